@@ -1,0 +1,20 @@
+#include "EmptyBerthMap.h"
+
+#include "MapDigests.h"
+
+MapSettings EmptyBerthMap() {
+  MapSettings map;
+  map.name = "The Empty Berth";
+  map.imageFile = "aviators.png";
+  map.imageChecksum = MapDigests::aviators;
+  map.maxPlayers = 4;
+  map.mirrorX = true;
+  map.mirrorY = true;
+  map.selectable = true;
+  map.starts = {{400, 400}, {-400, -400}, {-400, 400}, {400, -400}};
+  map.startRotations = {0x2000, 0xA000, 0x6000, 0xE000};
+  map.playerTeams = {0, 1, 2, 3};
+  map.exits = {{700, 70}, {700, 70}, {700, 70}, {700, 70}};
+  map.startFacesRight = {true, true, true};
+  return map;
+}
