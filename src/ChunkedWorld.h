@@ -1,0 +1,65 @@
+#pragma once
+
+#include <SDL3/SDL.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "Camera.h"
+#include "IHasher.h"
+#include "MapSettings.h"
+#include "Position.h"
+
+class ChunkWithChangeQueues;
+
+// The pixel world of a session: a grid of 256x256 chunks built from a map image, addressed in world
+// pixels with y upward. Units read it through isGround and change it only through the delayed queues.
+class ChunkedWorld {
+public:
+  // Loads "data/" + map.imageFile, checks its digest, applies the map's transformations and builds
+  // the chunks. Raises std::runtime_error with the texts of a failed load, conversion or checksum.
+  ChunkedWorld(SDL_Renderer* renderer, int players, int localPlayer, int delayFrames, MapSettings const& map);
+  ~ChunkedWorld();
+  ChunkedWorld(ChunkedWorld const&) = delete;
+  ChunkedWorld& operator=(ChunkedWorld const&) = delete;
+
+  // Brings a coordinate into range on the wrapping axes, by one period at most.
+  void wrap(int& x, int& y) const;
+  int width() const { return chunksWide_ * 256; }
+  int height() const { return chunksHigh_ * 256; }
+  std::int64_t wrappedDistSquared(Position a, Position b) const;
+
+  // The chunk holding the pixel, or null outside the world; wrapping is not applied.
+  ChunkWithChangeQueues* getChunk(int x, int y);
+  ChunkWithChangeQueues const* getChunk(int x, int y) const;
+
+  // Whether the pixel is ground as the given player's units see it; outside the world is ground.
+  bool isGround(int player, int x, int y) const;
+  // Changes outside the world are dropped.
+  void queueAddPixel(int player, int x, int y);
+  void queueRemovePixel(int player, int x, int y);
+  // Once a frame, after all units have run: every chunk, row by row from row 0, by rising x.
+  void frameAdvance();
+
+  void render(Camera const& camera, int screenWidth, int screenHeight);
+  bool hasLocalChangesQueued() const;
+  void hashLocalBase(IHasher& hasher) const;
+
+  bool wrapX() const { return wrapX_; }
+  bool wrapY() const { return wrapY_; }
+  bool cameraWrapX() const { return cameraWrapX_; }
+  bool cameraWrapY() const { return cameraWrapY_; }
+  int chunksWide() const { return chunksWide_; }
+  int chunksHigh() const { return chunksHigh_; }
+
+private:
+  SDL_Renderer* renderer_;
+  std::vector<std::vector<std::unique_ptr<ChunkWithChangeQueues>>> chunks_;
+  int chunksWide_ = 0;
+  int chunksHigh_ = 0;
+  bool wrapX_ = false;
+  bool wrapY_ = false;
+  bool cameraWrapX_ = false;
+  bool cameraWrapY_ = false;
+};
