@@ -15,6 +15,9 @@
 
 #include "Banner.h"
 #include "Cursors.h"
+#include "Sounds.h"
+#include "Sprites.h"
+#include "WavWriter.h"
 
 namespace {
 
@@ -89,6 +92,31 @@ int main(int argc, char** argv) {
     image("blocked_icon.png", MakeBlockedIcon);
     image("falling_icon.png", MakeFallingIcon);
     image("turned_icon.png", MakeTurnedIcon);
+
+    image("entry.png", MakeEntrySprite);
+    image("exit.png", MakeExitSprite);
+    image("hordeling.png", MakeHordelingSprite);
+    image("selection_brackets.png", MakeSelectionBracketsSprite);
+    image("circle.png", MakeCircleSprite);
+    image("circle_cross_section.png", MakeCircleCrossSectionSprite);
+    image("ship.png", MakeShipSprite);
+    image("ring.png", MakeRingSprite);
+    image("star.png", MakeStarSprite);
+
+    auto sound = [&](std::string const& file, std::function<std::vector<float>()> const& make) {
+      if (wanted(file)) {
+        WriteWav(options.dataDir + "/" + file, make(), kSoundRate);
+        std::cout << "Wrote " << file << std::endl;
+      }
+    };
+    sound("order_given.wav", MakeOrderGivenSound);
+    sound("exit.wav", MakeExitSound);
+    sound("small_hit.wav", MakeSmallHitSound);
+    sound("explosion.wav", MakeExplosionSound);
+    sound("target_lock_succeeded.wav", MakeTargetLockSucceededSound);
+    sound("target_lock_failed.wav", MakeTargetLockFailedSound);
+    sound("fire_missile.wav", MakeFireMissileSound);
+    sound("cannot_fire_missile.wav", MakeCannotFireMissileSound);
 
     if (TTF_WasInit()) {
       TTF_Quit();
