@@ -8,12 +8,17 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <iostream>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "Banner.h"
+#include "Games.h"
+#include "EmptyBerthMap.h"
+#include "MapDesigns.h"
+#include "MapOutputs.h"
 #include "Cursors.h"
 #include "Sounds.h"
 #include "Sprites.h"
@@ -27,14 +32,18 @@ struct Options {
   std::string previewDir;  // empty: no previews
   std::string fontPath = TANDEM_BANNER_FONT;
   std::set<std::string> only;  // empty: everything
+  bool check = false;          // play the tutorial levels with the unit model instead of writing files
+  int traceEvery = 0;          // with --check: log the units every so many frames
 };
 
 void PrintUsage() {
   std::puts(
       "Usage: make_assets [--data DIR] [--digests FILE] [--previews DIR] [--font FILE] [FILE...]\n"
+      "       make_assets --check\n"
       "Writes the images and sounds of the data directory (default: the source tree's data/) and the\n"
       "map digests header. Naming files writes only those. --previews writes upright renderings of the\n"
-      "maps, with starts and exits marked, into DIR.");
+      "maps, with starts and exits marked, into DIR. --check plays each tutorial level with the unit\n"
+      "model, with its intended solution and with no orders, and fails if either comes out wrong.");
 }
 
 Options ParseOptions(int argc, char** argv) {
@@ -55,6 +64,10 @@ Options ParseOptions(int argc, char** argv) {
       options.previewDir = value();
     } else if (arg == "--font") {
       options.fontPath = value();
+    } else if (arg == "--check") {
+      options.check = true;
+    } else if (arg == "--trace") {
+      options.traceEvery = std::stoi(value());
     } else if (arg == "--help" || arg == "-h") {
       PrintUsage();
       std::exit(0);
@@ -69,9 +82,48 @@ Options ParseOptions(int argc, char** argv) {
 
 }  // namespace
 
+int RunChecks(int traceEvery) {
+  int failures = 0;
+  for (TutorialCheck check : TutorialChecks()) {
+    check.setup.traceEvery = traceEvery;
+    SimResult const result = Simulate(check.setup);
+    bool const ok = result.exited >= check.minimumExited && result.exited <= check.maximumExited;
+    std::cout << (ok ? "ok      " : "FAILED  ") << check.name << ": " << result.exited << " of " << check.setup.units
+              << " exited";
+    if (!result.exitFrames.empty()) {
+      std::cout << ", first at frame " << result.exitFrames.front() << ", last at frame " << result.exitFrames.back();
+    }
+    std::cout << std::endl;
+    for (std::string const& line : result.log) {
+      std::cout << "          " << line << std::endl;
+    }
+    failures += ok ? 0 : 1;
+  }
+  return failures == 0 ? 0 : 1;
+}
+
+// The catalogue entry that shows a map image best in a preview.
+MapSettings PreviewSettings(std::string const& file) {
+  if (file == "aviators.png") {
+    return EmptyBerthMap();
+  }
+  Games const games;
+  std::string name;
+  for (auto const& [mapName, map] : games.refGame(Game::GlowHorde).maps) {
+    if (map.imageFile == file && (name.empty() || map.maxPlayers > games.refGame(Game::GlowHorde).maps.at(name).maxPlayers ||
+                                  (map.wrapX && name == "Unwrapped Ledges"))) {
+      name = mapName;
+    }
+  }
+  return games.refGame(Game::GlowHorde).maps.at(name);
+}
+
 int main(int argc, char** argv) {
   try {
     Options const options = ParseOptions(argc, argv);
+    if (options.check) {
+      return RunChecks(options.traceEvery);
+    }
     if (!SDL_Init(0)) {
       throw std::runtime_error(std::string("Failed to initialise SDL: ") + SDL_GetError());
     }
@@ -117,6 +169,28 @@ int main(int argc, char** argv) {
     sound("target_lock_failed.wav", MakeTargetLockFailedSound);
     sound("fire_missile.wav", MakeFireMissileSound);
     sound("cannot_fire_missile.wav", MakeCannotFireMissileSound);
+
+    std::map<std::string, std::uint64_t> digests;
+    for (auto make : {MakeLedges, MakeCauldrons, MakeAstralSteps, MakeTutorialDigDown, MakeTutorialDigSideways,
+                      MakeTutorialBridge, MakeTutorialPit, MakeShipArena}) {
+      MapDesign const design = make();
+      std::string const path = options.dataDir + "/" + design.file;
+      if (wanted(design.file)) {
+        PaintMap(design.layout, design.theme).savePng(path);
+        std::cout << "Wrote " << design.file << std::endl;
+      }
+      if (std::filesystem::exists(path)) {
+        digests[design.file] = MapFileDigest(path);
+        if (!options.previewDir.empty()) {
+          std::filesystem::create_directories(options.previewDir);
+          WriteMapPreview(path, PreviewSettings(design.file), options.previewDir + "/preview_" + design.file);
+        }
+      }
+    }
+    if (!options.digestsHeader.empty() && digests.size() == 8) {
+      WriteMapDigestsHeader(options.digestsHeader, digests);
+      std::cout << "Wrote " << options.digestsHeader << std::endl;
+    }
 
     if (TTF_WasInit()) {
       TTF_Quit();
