@@ -60,5 +60,51 @@ std::vector<TutorialCheck> TutorialChecks() {
         {480, 720, 312, Activity::Bridge, Trigger::AfterTurning, 2},
         {780, 714, 341, Activity::Bridge, Trigger::AfterTurning, 1}},
        1);
+
+  // The multiplayer maps, one player with no orders: on Ledges every unit takes the long way down and
+  // across to its own team's exit, none reaches the other team's; on Cauldrons units fall into their
+  // own cauldron (the exit of the player on the left) or the gutter, and none reaches their own exit.
+  auto repeated = [](SimTerrain const& tile, int copies, bool mirror) {
+    SimTerrain t;
+    t.width = tile.width * (mirror ? 2 : copies);
+    t.height = tile.height;
+    t.cells.resize(static_cast<std::size_t>(t.width) * t.height);
+    for (int y = 0; y < t.height; ++y) {
+      for (int x = 0; x < t.width; ++x) {
+        int const sx = mirror ? (x < tile.width ? x : 2 * tile.width - 1 - x) : x % tile.width;
+        t.cells[static_cast<std::size_t>(y) * t.width + x] = tile.at(sx, y);
+      }
+    }
+    return t;
+  };
+  auto multiplayer = [&](std::string name, SimTerrain terrain, bool wrap, int sx, int sy, bool right, int ex, int ey,
+                         int minimum, int maximum) {
+    TutorialCheck check;
+    check.name = std::move(name);
+    terrain.wrapX = terrain.wrapY = wrap;
+    check.setup.terrain = std::move(terrain);
+    check.setup.spawnX = sx;
+    check.setup.spawnY = sy;
+    check.setup.firstFacesRight = right;
+    check.setup.exitX = ex;
+    check.setup.exitY = ey;
+    check.setup.units = 50;
+    check.setup.spawnIntervalDeciseconds = 33;
+    check.setup.durationSeconds = 180;
+    check.setup.cameraWrapX = wrap;
+    check.minimumExited = minimum;
+    check.maximumExited = maximum;
+    checks.push_back(std::move(check));
+  };
+  SimTerrain const ledges = repeated(ToSimTerrain(MakeLedges().layout, false, false), 2, true);
+  for (bool wrap : {true, false}) {
+    std::string const map = wrap ? "Wrapped Ledges" : "Unwrapped Ledges";
+    multiplayer(map + ", slot 0, no orders, own exit", ledges, wrap, 440, 991, false, 1647, 159, 20, 50);
+    multiplayer(map + ", slot 0, no orders, other exit", ledges, wrap, 440, 991, false, 400, 159, 0, 0);
+    multiplayer(map + ", slot 2, no orders, own exit", ledges, wrap, 817, 991, true, 1647, 159, 20, 50);
+  }
+  SimTerrain const cauldrons = repeated(ToSimTerrain(MakeCauldrons().layout, false, false), 3, false);
+  multiplayer("Cauldrons, slot 0, no orders, own exit", cauldrons, true, 166, 514, false, 853, 208, 0, 0);
+  multiplayer("Cauldrons, slot 0, no orders, exit in its own cauldron", cauldrons, true, 166, 514, false, 341, 208, 1, 50);
   return checks;
 }
