@@ -3,20 +3,22 @@
 #include <algorithm>
 #include <string>
 
-#include "QZAssert.h"
 
 namespace {
 
+// The entries in ascending byte order of their keys, after a 2-byte count. A map can't hold more
+// entries than that count can tell; should one ever, only its first 65535 keys are written, so that
+// the record stays readable.
 template <class Map, class WriteValue>
 void WriteSortedMap(Map const& map, std::vector<unsigned char>& out, WriteValue&& writeValue) {
-  QZ_ASSERT(map.size() <= 0xFFFF);
   std::vector<std::string const*> keys;
   keys.reserve(map.size());
   for (auto const& entry : map) {
     keys.push_back(&entry.first);
   }
   std::sort(keys.begin(), keys.end(), [](std::string const* a, std::string const* b) { return *a < *b; });
-  WireWriter(out).integer(static_cast<unsigned short>(map.size()));
+  keys.resize(std::min<std::size_t>(keys.size(), 0xFFFF));
+  WireWriter(out).integer(static_cast<unsigned short>(keys.size()));
   for (std::string const* key : keys) {
     ToBytes(*key, out);
     writeValue(map.at(*key));

@@ -10,7 +10,6 @@
 #include <stdexcept>
 
 #include "LobbyRecordsWire.h"
-#include "QZAssert.h"
 #include "SplitServerData.h"
 
 namespace {
@@ -155,8 +154,7 @@ void Recording::save(std::ostream& out) const {
 int Recording::players() const { return static_cast<int>(results.playerSlots.size()); }
 
 std::vector<std::vector<unsigned char>> Recording::allUpdatesOnFrame(int frame) const {
-  QZ_ASSERT(frame >= 0);
-  if (static_cast<std::size_t>(frame) >= updates.size()) {
+  if (frame < 0 || static_cast<std::size_t>(frame) >= updates.size()) {
     return std::vector<std::vector<unsigned char>>(static_cast<std::size_t>(players()));
   }
   return SplitServerData(updates[static_cast<std::size_t>(frame)], players());

@@ -40,7 +40,7 @@ public:
   int players() const;
 
   // One byte string for each player: the split update of step frame, or empty strings at or past the
-  // end of the recording.
+  // end of the recording (and before its start).
   std::vector<std::vector<unsigned char>> allUpdatesOnFrame(int frame) const;
 
   // Element player of allUpdatesOnFrame(frame); empty for a player that the recording doesn't have.
