@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 
-
 namespace {
 
 // The entries in ascending byte order of their keys, after a 2-byte count. A map can't hold more
@@ -11,17 +10,17 @@ namespace {
 // the record stays readable.
 template <class Map, class WriteValue>
 void WriteSortedMap(Map const& map, std::vector<unsigned char>& out, WriteValue&& writeValue) {
-  std::vector<std::string const*> keys;
-  keys.reserve(map.size());
+  std::vector<typename Map::value_type const*> entries;
+  entries.reserve(map.size());
   for (auto const& entry : map) {
-    keys.push_back(&entry.first);
+    entries.push_back(&entry);
   }
-  std::sort(keys.begin(), keys.end(), [](std::string const* a, std::string const* b) { return *a < *b; });
-  keys.resize(std::min<std::size_t>(keys.size(), 0xFFFF));
-  WireWriter(out).integer(static_cast<unsigned short>(keys.size()));
-  for (std::string const* key : keys) {
-    ToBytes(*key, out);
-    writeValue(map.at(*key));
+  std::sort(entries.begin(), entries.end(), [](auto const* a, auto const* b) { return a->first < b->first; });
+  entries.resize(std::min<std::size_t>(entries.size(), 0xFFFF));
+  WireWriter(out).integer(static_cast<unsigned short>(entries.size()));
+  for (auto const* entry : entries) {
+    ToBytes(entry->first, out);
+    writeValue(entry->second);
   }
 }
 

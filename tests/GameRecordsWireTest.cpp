@@ -40,6 +40,11 @@ TEST(GameSettingsWire, EntriesAreWrittenInAscendingKeyOrder) {
   other.strings["b"] = "2";
   ASSERT_EQ(other, settings);
   EXPECT_EQ(Encode(other), expected);
+
+  // Byte order, not character order: a byte above 127 sorts after every ASCII byte.
+  GameSettings highBytes;
+  highBytes.strings = {{"\xe9t\xe9", "x"}, {"z", "y"}};
+  EXPECT_EQ(Encode(highBytes), Concat({Of({2, 0}), Str("z"), Str("y"), Str("\xe9t\xe9"), Str("x"), Of({0, 0})}));
 }
 
 TEST(GameSettingsWire, ReaderEmptiesTheMapsAcceptsAnyOrderAndKeepsTheLastDuplicate) {
