@@ -15,8 +15,9 @@ void ShowBannerAndVersion(SDL_Texture* banner) {
     float height = 0.0f;
     SDL_GetTextureSize(banner, &width, &height);
     if (width > 0.0f && height > 0.0f) {
-      ImVec2 const viewport = ImGui::GetMainViewport()->Size;
-      float const scale = std::min(viewport.y * 0.65f / height, viewport.x / width);
+      // Limited by the width inside the window's padding, so that a wide banner isn't cut off.
+      float const viewportHeight = ImGui::GetMainViewport()->Size.y;
+      float const scale = std::min(viewportHeight * 0.65f / height, ImGui::GetContentRegionAvail().x / width);
       ImVec2 const size(width * scale, height * scale);
       float const x = (ImGui::GetWindowWidth() - size.x) / 2.0f;
       if (x > ImGui::GetCursorPosX()) {

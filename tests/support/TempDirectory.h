@@ -1,0 +1,45 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+// A fresh directory under the system's temporary directory, removed with everything in it at the end.
+class TempDirectory {
+public:
+  TempDirectory() {
+    static std::atomic<int> counter{0};
+    path_ = std::filesystem::temp_directory_path() /
+            ("tandem-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
+    std::filesystem::remove_all(path_);
+    std::filesystem::create_directories(path_);
+  }
+  ~TempDirectory() {
+    std::error_code error;
+    std::filesystem::remove_all(path_, error);
+  }
+  TempDirectory(TempDirectory const&) = delete;
+  TempDirectory& operator=(TempDirectory const&) = delete;
+
+  std::filesystem::path const& path() const { return path_; }
+  std::string str() const { return path_.string(); }
+
+  void write(std::string const& relative, std::string const& content) const {
+    std::filesystem::create_directories((path_ / relative).parent_path());
+    std::ofstream(path_ / relative, std::ios::binary) << content;
+  }
+  std::string read(std::string const& relative) const {
+    std::ifstream in(path_ / relative, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+  }
+  bool exists(std::string const& relative) const { return std::filesystem::exists(path_ / relative); }
+
+private:
+  std::filesystem::path path_;
+};
