@@ -34,7 +34,7 @@ TEST(RecordingFiles, LoadsOnlyWholeNameMatchesAndSkipsBadFilesWithALine) {
     SampleRecording(999).save(directory.file(name));
   }
   std::filesystem::create_directory(directory.file("recording3.bin"));
-  directory.write("recording9.bin", {1, 2, 3});
+  directory.writeBytes("recording9.bin", {1, 2, 3});
 
   CapturedStderr captured;
   std::vector<Recording> const recordings = LoadRecordingsFromDirectory(directory.path().string());
@@ -77,7 +77,7 @@ TEST(RecordingFiles, NumbersComeFromNamesWithoutOpeningTheFiles) {
   for (char const* name : {"recording12.bin", "recording0.bin", "recording65537.bin", "recording007.bin",
                            "recording12.bin.tmp", "xrecording13.bin", "recording.bin",
                            "recording99999999999999999999999.bin"}) {
-    directory.write(name, {0xFF});  // not a valid recording: nothing is opened
+    directory.writeBytes(name, {0xFF});  // not a valid recording: nothing is opened
   }
   std::filesystem::create_directory(directory.file("recording14.bin"));
   std::filesystem::create_symlink(directory.file("recording12.bin"), directory.file("recording15.bin"));

@@ -53,7 +53,7 @@ std::string LoadErrorAt(std::string const& path) {
 
 std::string LoadError(Bytes const& bytes) {
   TempDirectory directory;
-  return LoadErrorAt(directory.write("recording1.bin", bytes));
+  return LoadErrorAt(directory.writeBytes("recording1.bin", bytes));
 }
 
 }  // namespace
@@ -88,7 +88,7 @@ TEST(Recording, SaveThenLoadGivesEqualUpdatesAndResults) {
 
   // The bytes follow the file format exactly.
   std::vector<Bytes> chunks(original.updates.begin(), original.updates.end());
-  EXPECT_EQ(directory.read("recording7.bin"),
+  EXPECT_EQ(directory.readBytes("recording7.bin"),
             File(Header(Of({'G', 'R', 'U', 'F'}), 4, Concat({Of({1, 0, 0, 0}), Encode(original.results)})), chunks));
 }
 
@@ -106,7 +106,7 @@ TEST(Recording, SavingWhereNoFileCanBeMadeFails) {
 TEST(Recording, ExtraBytesAfterTheResultsInTheHeaderAreIgnored) {
   Bytes const header = Concat({ValidHeader(), Of({0xAB, 0xCD})});
   TempDirectory directory;
-  Recording const loaded(directory.write("r.bin", File(header, {Of({0}), Of({1, 'x'})})));
+  Recording const loaded(directory.writeBytes("r.bin", File(header, {Of({0}), Of({1, 'x'})})));
   EXPECT_EQ(loaded.results, samples::Results());
   EXPECT_EQ(loaded.updates, (std::deque<Bytes>{Of({0}), Of({1, 'x'})}));
 }
@@ -156,13 +156,13 @@ TEST(Recording, ChunkErrorsNameTheChunkFromZero) {
 TEST(Recording, FileThatEndsAfterTheHeaderHasNoSteps) {
   TempDirectory directory;
   Bytes const headerOnly = Concat({Count(ValidHeader().size()), ValidHeader()});
-  Recording const recording(directory.write("recording3.bin", headerOnly));
+  Recording const recording(directory.writeBytes("recording3.bin", headerOnly));
   EXPECT_TRUE(recording.updates.empty());
   EXPECT_EQ(recording.results, samples::Results());
   EXPECT_EQ(recording.allUpdatesOnFrame(0), std::vector<Bytes>(2));
 
   // A chunk count cut short counts as no chunks too.
-  Recording const cutCount(directory.write("recording4.bin", Concat({headerOnly, Of({5, 0, 0})})));
+  Recording const cutCount(directory.writeBytes("recording4.bin", Concat({headerOnly, Of({5, 0, 0})})));
   EXPECT_TRUE(cutCount.updates.empty());
 }
 
