@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Installs the dependencies (once), builds every configuration and runs every test headless.
-# Ends with the test runner's summary of the release build.
+# Installs the dependencies (once), builds every configuration and runs every test headless:
+#   1. the fuzz targets, each for a bounded time, under ASan and UBSan;
+#   2. unit and end-to-end tests of the debug build, under ASan and UBSan;
+#   3. unit and end-to-end tests of the release build, whose summary ends the output.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ "$(id -u)" = 0 ]; then
@@ -9,14 +11,18 @@ else
   sudo bash scripts/bootstrap-deps.sh
 fi
 export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
-export SDL_AUDIO_DRIVER=${SDL_AUDIO_DRIVER:-dummy}
+start=$SECONDS
+stage() { printf '\n== %s (at %d s)\n' "$1" $((SECONDS - start)); }
 
-echo "== Unit and end-to-end tests under AddressSanitizer and UndefinedBehaviorSanitizer"
+stage "Fuzz targets"
+SECONDS_PER_TARGET=${SECONDS_PER_TARGET:-15} bash scripts/run-fuzzers.sh
+
+stage "Debug build with AddressSanitizer and UndefinedBehaviorSanitizer"
 cmake --preset debug >/dev/null
-cmake --build --preset debug
+cmake --build --preset debug -j 2
 ctest --preset debug -j 2
 
-echo "== Unit and end-to-end tests, release build"
+stage "Release build"
 cmake --preset release >/dev/null
-cmake --build --preset release
+cmake --build --preset release -j 2
 ctest --preset release -j 2
