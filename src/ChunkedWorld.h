@@ -7,11 +7,10 @@
 #include <vector>
 
 #include "Camera.h"
+#include "ChunkWithChangeQueues.h"
 #include "IHasher.h"
 #include "MapSettings.h"
 #include "Position.h"
-
-class ChunkWithChangeQueues;
 
 // The pixel world of a session: a grid of 256x256 chunks built from a map image, addressed in world
 // pixels with y upward. Units read it through isGround and change it only through the delayed queues.
@@ -35,15 +34,25 @@ public:
   ChunkWithChangeQueues const* getChunk(int x, int y) const;
 
   // Whether the pixel is ground as the given player's units see it; outside the world is ground.
-  bool isGround(int player, int x, int y) const;
+  bool isGround(int player, int x, int y) const {
+    wrapOnce(x, y);
+    ChunkWithChangeQueues const* chunk = getChunk(x, y);
+    if (chunk == nullptr) {
+      return true;
+    }
+    return chunk->isGround(player, static_cast<unsigned char>(x & 255), static_cast<unsigned char>(y & 255));
+  }
   // Changes outside the world are dropped.
   void queueAddPixel(int player, int x, int y);
   void queueRemovePixel(int player, int x, int y);
   // Once a frame, after all units have run: every chunk, row by row from row 0, by rising x.
   void frameAdvance();
 
-  void render(Camera const& camera, int screenWidth, int screenHeight);
+  // Draws the display copy of every chunk in view, repeating the world on the camera's wrapping axes.
+  // Returns the number of chunk textures drawn.
+  int render(Camera const& camera, int screenWidth, int screenHeight);
   bool hasLocalChangesQueued() const;
+  // localBase of every chunk, in the order of frameAdvance.
   void hashLocalBase(IHasher& hasher) const;
 
   bool wrapX() const { return wrapX_; }
@@ -54,6 +63,27 @@ public:
   int chunksHigh() const { return chunksHigh_; }
 
 private:
+  void wrapOnce(int& x, int& y) const {
+    if (wrapX_) {
+      int const w = width();
+      if (x < 0) {
+        x += w;
+      }
+      if (x >= w) {
+        x -= w;
+      }
+    }
+    if (wrapY_) {
+      int const h = height();
+      if (y < 0) {
+        y += h;
+      }
+      if (y >= h) {
+        y -= h;
+      }
+    }
+  }
+
   SDL_Renderer* renderer_;
   std::vector<std::vector<std::unique_ptr<ChunkWithChangeQueues>>> chunks_;
   int chunksWide_ = 0;
@@ -63,3 +93,14 @@ private:
   bool cameraWrapX_ = false;
   bool cameraWrapY_ = false;
 };
+
+inline ChunkWithChangeQueues* ChunkedWorld::getChunk(int x, int y) {
+  if (x < 0 || y < 0 || x >= width() || y >= height()) {
+    return nullptr;
+  }
+  return chunks_[static_cast<std::size_t>(y >> 8)][static_cast<std::size_t>(x >> 8)].get();
+}
+
+inline ChunkWithChangeQueues const* ChunkedWorld::getChunk(int x, int y) const {
+  return const_cast<ChunkedWorld*>(this)->getChunk(x, y);
+}

@@ -5,6 +5,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include <fmt/format.h>
 
 namespace {
 
@@ -140,6 +144,15 @@ SDL_Surface* ApplyMapTransformations(SDL_Surface* source, MapSettings const& map
     Apply(current, source, MirrorY);
   }
   if (map.rotateFourWays) {
+    if (current->w != current->h) {
+      std::string const message = fmt::format(
+          "A map image rotated four ways must be square before the rotation, but it is {} by {} pixels.", current->w,
+          current->h);
+      if (current != source) {
+        SDL_DestroySurface(current);
+      }
+      throw std::runtime_error(message);
+    }
     Apply(current, source, RotateFourWays);
   }
   if (current == source) {

@@ -8,8 +8,9 @@
 // Feeds a surface's rows (without the pitch padding), then its width and height, to the hasher.
 void CalculateImageChecksum(SDL_Surface* surface, IHasher* hasher);
 
-// Tiles, mirrors and rotates a map image as its settings ask. Returns a new ARGB8888 surface owned by
-// the caller; the source is left as it was.
+// Tiles, mirrors and rotates an ARGB8888 map image as its settings ask. Returns a new ARGB8888 surface
+// owned by the caller; the source is left as it was. Raises std::runtime_error if the image is to be
+// rotated four ways but isn't square by then.
 SDL_Surface* ApplyMapTransformations(SDL_Surface* source, MapSettings const& map);
 
 // Loads a black-on-white drawing as a white texture whose alpha is the drawing's darkness, for tinting.

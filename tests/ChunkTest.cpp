@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "Chunk.h"
+#include "XXHashHasher.h"
+#include "support/TestImages.h"
+
+namespace {
+
+std::uint64_t Digest(Chunk const& chunk) {
+  XXHashHasher hasher;
+  chunk.hash(hasher);
+  return hasher.digest();
+}
+
+}  // namespace
+
+TEST(Chunk, NewChunkIsEmptyAndDirty) {
+  Chunk chunk;
+  EXPECT_TRUE(chunk.dirty());
+  EXPECT_FALSE(chunk.hasTexture());
+  for (int i = 0; i < Chunk::kPixels; ++i) {
+    ASSERT_EQ(chunk.pixels()[i], 0u);
+  }
+}
+
+TEST(Chunk, PixelsLieRowByRowFromTheBottomAndAreHashedAsTheyLie) {
+  Chunk chunk;
+  chunk.writePixel(3, 2, 0xFE010203u);
+  EXPECT_EQ(chunk.pixels()[2 * 256 + 3], 0xFE010203u);
+  EXPECT_EQ(chunk.readPixel(3, 2), 0xFE010203u);
+
+  XXHashHasher whole;
+  whole.update(chunk.pixels(), Chunk::kPixels * 4);
+  EXPECT_EQ(Digest(chunk), whole.digest());
+
+  // The same pixel in another place is another digest.
+  Chunk moved;
+  moved.writePixel(2, 3, 0xFE010203u);
+  EXPECT_NE(Digest(moved), Digest(chunk));
+}
+
+TEST(Chunk, CopiesOwnTheirPixelsAndMovesLeaveTheSourceEmpty) {
+  testing_support::SoftwareTarget target(16, 16);
+  Chunk original;
+  original.writePixel(1, 1, 0xFE111111u);
+  original.getTexture(target.renderer());
+  ASSERT_TRUE(original.hasTexture());
+  ASSERT_FALSE(original.dirty());
+
+  Chunk copy(original);
+  EXPECT_FALSE(copy.hasTexture());
+  EXPECT_FALSE(copy.dirty());  // the source's flag
+  copy.writePixel(1, 1, 0xFE222222u);
+  EXPECT_EQ(original.readPixel(1, 1), 0xFE111111u);
+
+  Chunk assigned;
+  assigned.getTexture(target.renderer());
+  assigned = original;
+  EXPECT_FALSE(assigned.hasTexture());
+  EXPECT_TRUE(assigned.dirty());
+  EXPECT_EQ(assigned.readPixel(1, 1), 0xFE111111u);
+
+  Chunk moved(std::move(original));
+  EXPECT_TRUE(moved.hasTexture());
+  EXPECT_FALSE(moved.dirty());
+  EXPECT_EQ(moved.readPixel(1, 1), 0xFE111111u);
+  EXPECT_FALSE(original.hasPixels());  // NOLINT(bugprone-use-after-move): the moved-from state is specified
+  EXPECT_FALSE(original.hasTexture());
+  EXPECT_TRUE(original.dirty());
+
+  Chunk target2;
+  target2 = std::move(moved);
+  EXPECT_TRUE(target2.hasTexture());
+  EXPECT_EQ(target2.readPixel(1, 1), 0xFE111111u);
+  EXPECT_FALSE(moved.hasPixels());  // NOLINT(bugprone-use-after-move)
+}
+
+TEST(Chunk, TextureShowsTheTopRowFirstAndIsUploadedOnlyWhenDirty) {
+  testing_support::SoftwareTarget target(256, 256, 0xFF000000u);
+  Chunk chunk;
+  chunk.writePixel(0, 255, 0xFFFF0000u);  // top left of the world square: red
+  chunk.writePixel(255, 0, 0xFF00FF00u);  // bottom right: green
+  SDL_Texture* texture = chunk.getTexture(target.renderer());
+  ASSERT_NE(texture, nullptr);
+  EXPECT_FALSE(chunk.dirty());
+  SDL_RenderTexture(target.renderer(), texture, nullptr, nullptr);
+  target.flush();
+  EXPECT_EQ(target.pixel(0, 0), 0xFFFF0000u);
+  EXPECT_EQ(target.pixel(255, 255), 0xFF00FF00u);
+
+  // A write makes it dirty; the next request re-uploads into the same texture.
+  chunk.writePixel(0, 255, 0xFF0000FFu);
+  EXPECT_TRUE(chunk.dirty());
+  EXPECT_EQ(chunk.getTexture(target.renderer()), texture);
+  SDL_RenderTexture(target.renderer(), texture, nullptr, nullptr);
+  target.flush();
+  EXPECT_EQ(target.pixel(0, 0), 0xFF0000FFu);
+}
+
+TEST(Chunk, TextureFailureNamesTheCause) {
+  Chunk chunk;
+  try {
+    chunk.getTexture(nullptr);
+    FAIL() << "no renderer, yet a texture";
+  } catch (std::runtime_error const& error) {
+    std::string const text = error.what();
+    EXPECT_EQ(text.rfind("Failed to create chunked world texture - ", 0), 0u) << text;
+    EXPECT_GT(text.size(), std::string("Failed to create chunked world texture - ").size());
+  }
+  EXPECT_FALSE(chunk.hasTexture());
+}

@@ -1,0 +1,331 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "ChunkedWorld.h"
+#include "MapImages.h"
+#include "Renderer.h"
+#include "TextureCache.h"
+#include "XXHashHasher.h"
+#include "support/Lockstep.h"
+#include "support/TestImages.h"
+
+using testing_support::SaveImage;
+using testing_support::ScopedDataDirectory;
+using testing_support::SoftwareTarget;
+
+namespace {
+
+constexpr std::uint32_t kGround = 0xFE8B5A2Bu;
+constexpr std::uint32_t kSky = 0x00000000u;
+
+MapSettings MapOf(std::string const& file) {
+  MapSettings map;
+  map.imageFile = file;
+  return map;
+}
+
+std::uint64_t LocalBaseDigest(ChunkedWorld const& world) {
+  XXHashHasher hasher;
+  world.hashLocalBase(hasher);
+  return hasher.digest();
+}
+
+std::string ErrorOf(MapSettings const& map) {
+  try {
+    ChunkedWorld world(nullptr, 1, 0, 1, map);
+  } catch (std::runtime_error const& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+}  // namespace
+
+TEST(ChunkedWorld, LoadFailuresNameTheFileWithoutTheFolder) {
+  ScopedDataDirectory directory;
+  std::string const missing = ErrorOf(MapOf("nowhere.png"));
+  EXPECT_EQ(missing.rfind("Failed to load image 'nowhere.png': ", 0), 0u) << missing;
+  EXPECT_GT(missing.size(), std::string("Failed to load image 'nowhere.png': ").size());
+
+  SaveImage("small.png", 4, 4, [](int, int) { return kGround; });
+  MapSettings checked = MapOf("small.png");
+  checked.imageChecksum = 12345;
+  EXPECT_EQ(ErrorOf(checked), "Image checksum does not match, for 'small.png'");
+}
+
+TEST(ChunkedWorld, ChecksumIsOfTheStoredImageAndZeroMeansNoCheck) {
+  ScopedDataDirectory directory;
+  SaveImage("map.png", 10, 4, [](int x, int y) { return x == y ? kGround : kSky; });
+  SDL_Surface* stored = testing_support::MakeSurface(10, 4, [](int x, int y) { return x == y ? kGround : kSky; });
+  XXHashHasher hasher;
+  CalculateImageChecksum(stored, &hasher);
+  SDL_DestroySurface(stored);
+
+  MapSettings map = MapOf("map.png");
+  map.mirrorX = true;  // the digest is taken before the transformations
+  map.imageChecksum = hasher.digest();
+  EXPECT_NO_THROW(ChunkedWorld(nullptr, 2, 1, 3, map));
+  map.imageChecksum = 0;
+  EXPECT_NO_THROW(ChunkedWorld(nullptr, 2, 1, 3, map));
+  map.imageChecksum = hasher.digest() ^ 1;
+  EXPECT_THROW(ChunkedWorld(nullptr, 2, 1, 3, map), std::runtime_error);
+}
+
+TEST(ChunkedWorld, SizeRoundsUpToChunksAndTheImageIsFlipped) {
+  ScopedDataDirectory directory;
+  // Ground along the image's bottom row and at one pixel of its top row.
+  SaveImage("wide.png", 300, 200, [](int x, int y) { return y == 199 || (y == 0 && x == 7) ? kGround : kSky; });
+  ChunkedWorld world(nullptr, 1, 0, 1, MapOf("wide.png"));
+  EXPECT_EQ(world.chunksWide(), 2);
+  EXPECT_EQ(world.chunksHigh(), 1);
+  EXPECT_EQ(world.width(), 512);
+  EXPECT_EQ(world.height(), 256);
+  EXPECT_TRUE(world.isGround(0, 0, 0));
+  EXPECT_TRUE(world.isGround(0, 299, 0));
+  EXPECT_FALSE(world.isGround(0, 300, 0));  // the margin is no ground
+  EXPECT_FALSE(world.isGround(0, 511, 0));
+  EXPECT_TRUE(world.isGround(0, 7, 199));
+  EXPECT_FALSE(world.isGround(0, 7, 198));
+  EXPECT_FALSE(world.isGround(0, 7, 200));
+  EXPECT_FALSE(world.isGround(0, 7, 255));
+  EXPECT_EQ(world.getChunk(299, 199)->localBase().readPixel(299 - 256, 199), kSky);
+  EXPECT_EQ(world.getChunk(7, 199)->base().readPixel(7, 199), kGround);
+  EXPECT_EQ(world.getChunk(512, 0), nullptr);
+  EXPECT_EQ(world.getChunk(0, -1), nullptr);
+}
+
+TEST(ChunkedWorld, OutsideIsSolidUnlessTheAxisWraps) {
+  ScopedDataDirectory directory;
+  // Ground only in the rightmost column and the top row.
+  SaveImage("edges.png", 512, 256, [](int x, int y) { return x == 511 || y == 0 ? kGround : kSky; });
+  ChunkedWorld plain(nullptr, 2, 0, 2, MapOf("edges.png"));
+  MapSettings wrapping = MapOf("edges.png");
+  wrapping.wrapX = wrapping.wrapY = true;
+  ChunkedWorld wrapped(nullptr, 2, 0, 2, wrapping);
+
+  for (int player : {0, 1}) {
+    EXPECT_TRUE(plain.isGround(player, -1, 10));
+    EXPECT_TRUE(plain.isGround(player, 10, -1));
+    EXPECT_TRUE(plain.isGround(player, 10, 256));
+    EXPECT_TRUE(plain.isGround(player, 512, 10));
+    EXPECT_FALSE(plain.isGround(player, 0, 10));
+
+    EXPECT_TRUE(wrapped.isGround(player, -1, 10));    // reads column 511
+    EXPECT_FALSE(wrapped.isGround(player, 512, 10));  // reads column 0
+    EXPECT_FALSE(wrapped.isGround(player, 10, 256));  // reads world row 0, the image's bottom row
+    EXPECT_TRUE(wrapped.isGround(player, 10, -1));    // reads world row 255, the image's top row
+    // One period at most: further out stays outside, and outside is solid.
+    EXPECT_TRUE(wrapped.isGround(player, -513, 10));
+    EXPECT_TRUE(wrapped.isGround(player, 1024, 10));
+  }
+}
+
+TEST(ChunkedWorld, WrapMovesByOnePeriodOnWrappingAxesOnly) {
+  ScopedDataDirectory directory;
+  SaveImage("rect.png", 512, 256, [](int, int) { return kSky; });
+  MapSettings map = MapOf("rect.png");
+  map.wrapX = true;
+  ChunkedWorld world(nullptr, 1, 0, 1, map);
+  auto wrapped = [&](int x, int y) {
+    world.wrap(x, y);
+    return std::pair{x, y};
+  };
+  EXPECT_EQ(wrapped(-1, -1), (std::pair{511, -1}));
+  EXPECT_EQ(wrapped(512, 300), (std::pair{0, 300}));
+  EXPECT_EQ(wrapped(-600, 5), (std::pair{-88, 5}));
+  EXPECT_EQ(wrapped(1100, 5), (std::pair{588, 5}));
+  EXPECT_EQ(wrapped(17, 18), (std::pair{17, 18}));
+}
+
+TEST(ChunkedWorld, WrappedDistanceTakesTheShortWayRoundEachAxisByItsOwnSize) {
+  ScopedDataDirectory directory;
+  SaveImage("rect.png", 512, 256, [](int, int) { return kSky; });
+  MapSettings map = MapOf("rect.png");
+  ChunkedWorld plain(nullptr, 1, 0, 1, map);
+  map.wrapX = true;
+  ChunkedWorld acrossX(nullptr, 1, 0, 1, map);
+  map.wrapX = false;
+  map.wrapY = true;
+  ChunkedWorld acrossY(nullptr, 1, 0, 1, map);
+
+  EXPECT_EQ(plain.wrappedDistSquared({0, 0}, {511, 0}), 511 * 511);
+  EXPECT_EQ(acrossX.wrappedDistSquared({0, 0}, {511, 0}), 1);
+  EXPECT_EQ(acrossX.wrappedDistSquared({0, 0}, {0, 255}), 255 * 255);
+  EXPECT_EQ(acrossY.wrappedDistSquared({0, 0}, {0, 255}), 1);
+  EXPECT_EQ(acrossY.wrappedDistSquared({3, 250}, {6, 2}), 9 + 64);
+  EXPECT_EQ(acrossX.wrappedDistSquared({500, 7}, {10, 3}), 22 * 22 + 16);
+  // 64-bit: far beyond 32 bits.
+  EXPECT_EQ(plain.wrappedDistSquared({-1500000000, 0}, {1500000000, 0}), std::int64_t{3000000000} * 3000000000);
+}
+
+TEST(ChunkedWorld, ChangesOutsideAnUnwrappedWorldAreDropped) {
+  ScopedDataDirectory directory;
+  SaveImage("ground.png", 256, 256, [](int, int) { return kGround; });
+  ChunkedWorld world(nullptr, 2, 0, 1, MapOf("ground.png"));
+  std::uint64_t const before = LocalBaseDigest(world);
+  for (int player : {0, 1}) {
+    world.queueRemovePixel(player, -1, 5);
+    world.queueRemovePixel(player, 256, 5);
+    world.queueAddPixel(player, 5, -1);
+    world.queueRemovePixel(player, 5, 256);
+  }
+  EXPECT_FALSE(world.hasLocalChangesQueued());
+  for (int frame = 0; frame < 4; ++frame) world.frameAdvance();
+  EXPECT_EQ(LocalBaseDigest(world), before);
+
+  MapSettings map = MapOf("ground.png");
+  map.wrapX = true;
+  ChunkedWorld wrapped(nullptr, 2, 0, 1, map);
+  wrapped.queueRemovePixel(0, -1, 5);  // lands on column 255
+  EXPECT_TRUE(wrapped.hasLocalChangesQueued());
+  wrapped.frameAdvance();
+  EXPECT_FALSE(wrapped.isGround(0, 255, 5));
+  EXPECT_TRUE(wrapped.isGround(1, 255, 5));  // the other player sees it only later
+  wrapped.frameAdvance();
+  EXPECT_FALSE(wrapped.hasLocalChangesQueued());
+  EXPECT_EQ(wrapped.getChunk(255, 5)->localBase().readPixel(255, 5), 0u);
+}
+
+TEST(ChunkedWorld, LocalBaseIsHashedChunkByChunkInGridOrder) {
+  ScopedDataDirectory directory;
+  // Four chunks, each its own colour, so that any other order gives another digest.
+  SaveImage("grid.png", 512, 512, [](int x, int y) {
+    return 0xFE000000u | static_cast<std::uint32_t>((x / 256) * 0x40 + (y / 256) * 0x4000);
+  });
+  ChunkedWorld world(nullptr, 1, 0, 1, MapOf("grid.png"));
+  XXHashHasher expected;
+  for (int row = 0; row < 2; ++row) {
+    for (int column = 0; column < 2; ++column) {
+      expected.update(world.getChunk(column * 256, row * 256)->localBase().pixels(), 262144);
+    }
+  }
+  EXPECT_EQ(LocalBaseDigest(world), expected.digest());
+  XXHashHasher columnMajor;
+  for (int column = 0; column < 2; ++column) {
+    for (int row = 0; row < 2; ++row) {
+      columnMajor.update(world.getChunk(column * 256, row * 256)->localBase().pixels(), 262144);
+    }
+  }
+  EXPECT_NE(LocalBaseDigest(world), columnMajor.digest());
+  // World row 0 is the image's bottom row: the first chunk hashed is the image's bottom left.
+  EXPECT_EQ(world.getChunk(0, 0)->localBase().readPixel(0, 0), 0xFE004000u);
+}
+
+// Rendering: the world on a software renderer.
+class ChunkedWorldRender : public ::testing::Test {
+protected:
+  ScopedDataDirectory directory;
+};
+
+TEST_F(ChunkedWorldRender, CameraWhollyOutsideAnUnwrappedWorldDrawsNothing) {
+  SaveImage("block.png", 512, 256, [](int, int) { return 0xFFFF0000u; });
+  SoftwareTarget target(320, 200, 0xFF000000u);
+  ChunkedWorld world(target.renderer(), 1, 0, 1, MapOf("block.png"));
+  for (Camera camera : {Camera{-2000.0f, 0.0f, 1.0f}, Camera{600.0f, 0.0f, 1.0f}, Camera{0.0f, -900.0f, 2.0f},
+                        Camera{0.0f, 300.0f, 1.0f}}) {
+    EXPECT_EQ(world.render(camera, 320, 200), 0) << camera.x << "," << camera.y;
+  }
+  target.flush();
+  for (int x = 0; x < 320; x += 7) {
+    for (int y = 0; y < 200; y += 7) ASSERT_EQ(target.pixel(x, y), 0xFF000000u);
+  }
+  EXPECT_FALSE(world.getChunk(0, 0)->display().hasTexture());
+  // Partly in view: the columns and rows from the view's first to the one its far edge rounds up to,
+  // clamped to the world.
+  EXPECT_EQ(world.render(Camera{-100.0f, -50.0f, 1.0f}, 320, 200), 2);
+  EXPECT_EQ(world.render(Camera{200.0f, 100.0f, 1.0f}, 320, 200), 2);
+  EXPECT_EQ(world.render(Camera{-320.0f, 0.0f, 1.0f}, 320, 200), 1);
+  EXPECT_EQ(world.render(Camera{0.0f, 0.0f, 0.5f}, 320, 200), 2);
+}
+
+TEST_F(ChunkedWorldRender, WrappedWorldNarrowerThanTheScreenCoversEveryColumn) {
+  // One chunk wide, its columns striped so that a gap or a misplaced copy would show.
+  SaveImage("narrow.png", 256, 256, [](int x, int) { return x % 2 == 0 ? 0xFFFF0000u : 0xFF00FF00u; });
+  MapSettings map = MapOf("narrow.png");
+  map.wrapX = map.cameraWrapX = true;
+  SoftwareTarget target(1280, 100, 0xFF000000u);
+  ChunkedWorld world(target.renderer(), 1, 0, 1, map);
+  int const drawn = world.render(Camera{-301.0f, 20.0f, 1.0f}, 1280, 100);
+  EXPECT_GE(drawn, 1280 / 256);
+  target.flush();
+  for (int x = 0; x < 1280; ++x) {
+    // Screen x shows world x - 301, taken round the world.
+    int const worldX = ((x - 301) % 256 + 256) % 256;
+    ASSERT_EQ(target.pixel(x, 50), worldX % 2 == 0 ? 0xFFFF0000u : 0xFF00FF00u) << "column " << x;
+  }
+}
+
+TEST_F(ChunkedWorldRender, TerrainLinesUpWithSprites) {
+  // Sky with a single ground pixel at world (300, 40), drawn at zoom 4: it must fill the screen rectangle
+  // that the sprite renderer gives for the world rectangle (300, 40, 1, 1).
+  SaveImage("dot.png", 512, 256, [](int x, int y) { return x == 300 && y == 255 - 40 ? 0xFFFFFFFFu : 0xFF000080u; });
+  SoftwareTarget target(200, 150, 0xFF000000u);
+  ChunkedWorld world(target.renderer(), 1, 0, 1, MapOf("dot.png"));
+  TextureCache textures(target.renderer());
+  Camera const camera{270.0f, 20.0f, 4.0f};
+  Renderer renderer(target.renderer(), textures, 200, 150, world.width(), world.height(), false, false, camera);
+  SDL_SetTextureScaleMode(world.getChunk(0, 0)->display().getTexture(target.renderer()), SDL_SCALEMODE_NEAREST);
+  SDL_SetTextureScaleMode(world.getChunk(300, 0)->display().getTexture(target.renderer()), SDL_SCALEMODE_NEAREST);
+  world.render(camera, 200, 150);
+  target.flush();
+  SDL_FRect const dot = renderer.screenRect(300.0f, 40.0f, 1.0f, 1.0f, 0, 0);
+  EXPECT_FLOAT_EQ(dot.x, 120.0f);
+  EXPECT_FLOAT_EQ(dot.y, 149.0f - 80.0f - 4.0f);
+  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) + 1, static_cast<int>(dot.y) + 1), 0xFFFFFFFFu);
+  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) + 2, static_cast<int>(dot.y) + 2), 0xFFFFFFFFu);
+  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) - 2, static_cast<int>(dot.y) + 1), 0xFF000080u);
+  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) + 1, static_cast<int>(dot.y) + 6), 0xFF000080u);
+}
+
+// The whole world, several chunks, wrapping on x, units roaming across the seam and below the bottom
+// edge: every client must log the same answers and hold the same localBase frame by frame.
+TEST(ChunkedWorldLockstep, ClientsAgreeAcrossChunksSeamsAndEdges) {
+  ScopedDataDirectory directory;
+  auto const terrain = [](int x, int y) -> std::uint32_t {
+    if ((x * 7 + y * 3) % 23 == 0) return 0xFF606060u;  // rock
+    return (x / 3 + y / 5) % 3 == 0 ? 0x00000000u : kGround;
+  };
+  SaveImage("lockstep.png", 512, 300, terrain);
+  MapSettings map = MapOf("lockstep.png");
+  map.wrapX = true;
+
+  testing_support::Workload work;
+  work.seed = 77;
+  work.players = 3;
+  work.delay = 4;
+  work.updates = 80;
+  work.unitsPerPlayer = 30;
+  work.minX = -30, work.maxX = 60, work.minY = -6, work.maxY = 20;  // x crosses the seam, y the bottom
+
+  std::vector<testing_support::ClientLog> logs;
+  std::vector<std::vector<std::uint64_t>> digests(3);
+  for (int local = 0; local < 3; ++local) {
+    ChunkedWorld world(nullptr, work.players, local, work.delay, map);
+    logs.push_back(testing_support::RunClient(world, work, local, [&](int) {
+      digests[static_cast<std::size_t>(local)].push_back(LocalBaseDigest(world));
+    }));
+  }
+  for (int local = 1; local < 3; ++local) {
+    EXPECT_TRUE(logs[static_cast<std::size_t>(local)] == logs[0]) << "client of player " << local;
+    EXPECT_EQ(digests[static_cast<std::size_t>(local)], digests[0]) << "client of player " << local;
+  }
+  EXPECT_NE(digests[0].front(), digests[0].back());
+
+  // The rule, with the world's own geometry: x wraps, y outside is solid, the image flipped.
+  int const height = 512;
+  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(512 * height), 0);
+  for (int y = 0; y < 300; ++y) {
+    for (int x = 0; x < 512; ++x) pixels[static_cast<std::size_t>((299 - y) * 512 + x)] = terrain(x, y);
+  }
+  auto const locate = [&](int x, int y) -> std::optional<int> {
+    if (x < 0) x += 512;
+    if (x >= 512) x -= 512;
+    if (x < 0 || x >= 512 || y < 0 || y >= height) return std::nullopt;
+    return y * 512 + x;
+  };
+  EXPECT_EQ(testing_support::CheckAgainstVisibilityRule(logs[0], work, pixels, locate), std::nullopt);
+}
