@@ -28,7 +28,11 @@ public:
                                   bool mirrored) const;
   void renderTexture_CentreAnchor(std::string const& name, float x, float y, float scale, float rotation,
                                   bool mirrored) const;
+  // Flips a rectangle between y-up and y-down screen coordinates.
   void invert_y(SDL_FRect& rect) const;
+
+  // The screen rectangle of a world rectangle (left, bottom, width, height) in the given copy of the world.
+  SDL_FRect screenRect(float left, float bottom, float width, float height, int tileX, int tileY) const;
 
   TextureCache& textures() const { return textures_; }
   Camera const& camera() const { return camera_; }
@@ -38,6 +42,11 @@ public:
   int lastTileY() const { return lastTileY_; }
 
 private:
+  // Draws the whole texture over a world rectangle in every copy of the world in range, tiles row by
+  // row; rotated about the rectangle's centre by an angle in radians, counter-clockwise in the world.
+  void drawEverywhere(SDL_Texture* texture, float left, float bottom, float width, float height,
+                      float rotation = 0.0f, bool rotated = false, SDL_FlipMode flip = SDL_FLIP_NONE) const;
+
   TextureCache& textures_;
   SDL_Renderer* renderer_;
   int screenWidth_;

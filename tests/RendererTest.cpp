@@ -1,0 +1,247 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "Renderer.h"
+#include "TextureCache.h"
+#include "support/TestImages.h"
+
+using testing_support::SaveImage;
+using testing_support::ScopedDataDirectory;
+using testing_support::SoftwareTarget;
+
+namespace {
+
+constexpr std::uint32_t kBlack = 0xFF000000u;
+constexpr std::uint32_t kInk = 0xFF000000u;  // opaque in a greyscale sprite
+constexpr std::uint32_t kPaper = 0xFFFFFFFFu;  // transparent in a greyscale sprite
+
+struct Box {
+  int left, top, right, bottom;  // inclusive, screen pixels
+  friend bool operator==(Box const&, Box const&) = default;
+};
+
+std::ostream& operator<<(std::ostream& out, Box const& box) {
+  return out << "[" << box.left << ".." << box.right << "] x [" << box.top << ".." << box.bottom << "]";
+}
+
+// The smallest box holding every pixel that isn't the background.
+std::optional<Box> Drawn(SoftwareTarget& target, std::uint32_t background = kBlack) {
+  target.flush();
+  std::optional<Box> box;
+  for (int y = 0; y < target.height(); ++y) {
+    for (int x = 0; x < target.width(); ++x) {
+      if (target.pixel(x, y) == background) continue;
+      if (!box) {
+        box = Box{x, y, x, y};
+      } else {
+        box->left = std::min(box->left, x), box->right = std::max(box->right, x);
+        box->top = std::min(box->top, y), box->bottom = std::max(box->bottom, y);
+      }
+    }
+  }
+  return box;
+}
+
+// The screen box of a world rectangle at zoom 2 with the camera at (cx, cy), worked out by hand from
+// "screen y grows downward from the top row, world y upward from the bottom row".
+Box Expected(float left, float bottom, float width, float height, float cx, float cy, int screenHeight) {
+  float const x = 2.0f * (left - cx);
+  float const top = static_cast<float>(screenHeight - 1) - 2.0f * (bottom + height - cy);
+  return Box{static_cast<int>(x), static_cast<int>(top), static_cast<int>(x + 2.0f * width) - 1,
+             static_cast<int>(top + 2.0f * height) - 1};
+}
+
+class RendererDrawing : public ::testing::Test {
+protected:
+  RendererDrawing() {
+    for (char const* name : {"entry.png", "exit.png", "hordeling.png", "selection_brackets.png", "circle.png",
+                             "circle_cross_section.png", "ship.png"}) {
+      SaveImage(name, 8, 8, [](int, int) { return kInk; });
+    }
+  }
+  Renderer make(Camera camera, bool wrapX = false, bool wrapY = false, int worldWidth = 1000, int worldHeight = 1000) {
+    return Renderer(target.renderer(), textures, target.width(), target.height(), worldWidth, worldHeight, wrapX, wrapY,
+                    camera);
+  }
+
+  ScopedDataDirectory directory;
+  SoftwareTarget target{400, 500, kBlack};
+  TextureCache textures{target.renderer()};
+};
+
+}  // namespace
+
+TEST(RendererGeometry, InvertYFlipsAboutTheScreen) {
+  ScopedDataDirectory directory;
+  SoftwareTarget target(800, 600);
+  TextureCache textures(target.renderer());
+  Renderer renderer(target.renderer(), textures, 800, 600, 100, 100, false, false, Camera{});
+  SDL_FRect rect{5.0f, 0.0f, 20.0f, 10.0f};
+  renderer.invert_y(rect);
+  EXPECT_FLOAT_EQ(rect.y, 589.0f);
+  EXPECT_FLOAT_EQ(rect.x, 5.0f);
+  renderer.invert_y(rect);
+  EXPECT_FLOAT_EQ(rect.y, 0.0f);
+}
+
+TEST(RendererGeometry, TileRangesCoverTheViewWithAMarginOnWrappingAxesOnly) {
+  ScopedDataDirectory directory;
+  SoftwareTarget target(8, 8);
+  TextureCache textures(target.renderer());
+  Renderer flat(target.renderer(), textures, 1280, 720, 512, 256, false, false, Camera{100.0f, -10.0f, 1.0f});
+  EXPECT_EQ(flat.firstTileX(), 0);
+  EXPECT_EQ(flat.lastTileX(), 0);
+  EXPECT_EQ(flat.firstTileY(), 0);
+  EXPECT_EQ(flat.lastTileY(), 0);
+
+  Renderer wrapped(target.renderer(), textures, 1280, 720, 512, 256, true, true, Camera{100.0f, -10.0f, 1.0f});
+  EXPECT_EQ(wrapped.firstTileX(), -1);  // floor(-50 / 512)
+  EXPECT_EQ(wrapped.lastTileX(), 3);    // ceil(1530 / 512)
+  EXPECT_EQ(wrapped.firstTileY(), -1);  // floor(-160 / 256)
+  EXPECT_EQ(wrapped.lastTileY(), 4);    // ceil(860 / 256)
+
+  Renderer zoomed(target.renderer(), textures, 1280, 720, 512, 256, true, false, Camera{200.0f, 0.0f, 2.0f});
+  EXPECT_EQ(zoomed.firstTileX(), 0);  // floor(50 / 512)
+  EXPECT_EQ(zoomed.lastTileX(), 2);   // ceil(990 / 512)
+  EXPECT_EQ(zoomed.lastTileY(), 0);
+}
+
+TEST(RendererGeometry, ScreenRectOfATileShiftsByWholeWorlds) {
+  ScopedDataDirectory directory;
+  SoftwareTarget target(8, 8);
+  TextureCache textures(target.renderer());
+  Renderer renderer(target.renderer(), textures, 640, 480, 300, 200, true, true, Camera{10.0f, 20.0f, 1.5f});
+  SDL_FRect const rect = renderer.screenRect(50.0f, 60.0f, 8.0f, 4.0f, 2, -1);
+  EXPECT_FLOAT_EQ(rect.x, 1.5f * (600.0f + 50.0f - 10.0f));
+  EXPECT_FLOAT_EQ(rect.y, 479.0f - 1.5f * (-200.0f + 60.0f - 20.0f) - 6.0f);
+  EXPECT_FLOAT_EQ(rect.w, 12.0f);
+  EXPECT_FLOAT_EQ(rect.h, 6.0f);
+}
+
+TEST_F(RendererDrawing, EverySpriteCoversItsWorldRectangle) {
+  Camera const camera{100.0f, 50.0f, 2.0f};
+  Renderer renderer = make(camera);
+  Position const p{160, 110};
+  float const x = 160.0f, y = 110.0f;
+  struct Case {
+    char const* name;
+    std::function<void()> draw;
+    Box expected;
+  };
+  int const h = target.height();
+  std::vector<Case> const cases{
+      {"entry", [&] { renderer.renderEntry(p); }, Expected(x - 40, y, 80, 100, 100, 50, h)},
+      {"exit", [&] { renderer.renderExit(p); }, Expected(x - 30, y - 30, 60, 60, 100, 50, h)},
+      {"unit", [&] { renderer.renderLemming(p); }, Expected(x - 2.5f, y, 5, 10, 100, 50, h)},
+      {"brackets", [&] { renderer.renderSelectionBrackets(p); }, Expected(x - 9, y - 6, 18, 24, 100, 50, h)},
+      {"circle", [&] { renderer.renderCircle(x, y, 12.0f); }, Expected(x - 12, y - 12, 24, 24, 100, 50, h)},
+      {"missile", [&] { renderer.renderMissile(p, 0.0f); }, Expected(x - 2, y - 2, 17, 4, 100, 50, h)},
+      // An 8 by 8 ship at scale 1.5 is 12 by 12, centred.
+      {"ship", [&] { renderer.renderShip(x, y, 1.5f, 0.0f); }, Expected(x - 6, y - 6, 12, 12, 100, 50, h)},
+      // A capsule along x: the two circles and the 20 by 6 band between their centres.
+      {"swept", [&] { renderer.renderSweptCircle(x - 10, y, x + 10, y, 3.0f); },
+       Expected(x - 13, y - 3, 26, 6, 100, 50, h)},
+  };
+  for (Case const& c : cases) {
+    target.clear(kBlack);
+    c.draw();
+    std::optional<Box> const drawn = Drawn(target);
+    ASSERT_TRUE(drawn.has_value()) << c.name;
+    EXPECT_EQ(*drawn, c.expected) << c.name;
+  }
+}
+
+TEST_F(RendererDrawing, RotationIsCounterClockwiseInTheWorld) {
+  // A unit sprite whose left half is ink and right half paper: turned a quarter counter-clockwise in
+  // the world, the ink ends up below the centre on the screen.
+  SaveImage("hordeling.png", 8, 8, [](int px, int) { return px < 4 ? kInk : kPaper; });
+  Renderer renderer = make(Camera{0.0f, 0.0f, 2.0f});
+  Position const p{100, 70};
+  renderer.renderMissile(p, 0.0f);
+  std::optional<Box> const flat = Drawn(target);
+  ASSERT_TRUE(flat);
+  target.clear(kBlack);
+  renderer.renderMissile(p, std::numbers::pi_v<float> / 2.0f);
+  std::optional<Box> const turned = Drawn(target);
+  ASSERT_TRUE(turned);
+  // Centre of the 17 by 4 rectangle: world (106.5, 70), screen (213, height - 1 - 140).
+  float const centreY = static_cast<float>(target.height() - 1) - 2.0f * 70.0f;
+  // The box turned upright is 34 pixels tall about the centre; the ink is its lower half, give or take
+  // the filtering at the edge between ink and paper.
+  EXPECT_GE(turned->top, static_cast<int>(centreY) - 4);
+  EXPECT_GE(turned->bottom, static_cast<int>(centreY) + 15);
+  EXPECT_NEAR((turned->left + turned->right) / 2.0, 213.0, 2.5);
+  EXPECT_LT(turned->right - turned->left, flat->right - flat->left);
+}
+
+TEST_F(RendererDrawing, MirroredSpriteFlipsAboutItsCentre) {
+  SaveImage("arrow.png", 8, 4, [](int px, int) { return px < 2 ? 0xFFFF0000u : 0xFF00FF00u; });
+  Renderer renderer = make(Camera{0.0f, 0.0f, 2.0f});
+  renderer.renderTexture_CentreAnchor("arrow.png", 50.0f, 40.0f, 1.0f, 0.0f, false);
+  std::optional<Box> const plain = Drawn(target);
+  ASSERT_TRUE(plain);
+  EXPECT_EQ(*plain, Expected(46, 38, 8, 4, 0, 0, target.height()));
+  EXPECT_EQ(target.pixel(plain->left, plain->top + 1), 0xFFFF0000u);
+  EXPECT_EQ(target.pixel(plain->right, plain->top + 1), 0xFF00FF00u);
+  target.clear(kBlack);
+  renderer.renderTexture_CentreAnchor("arrow.png", 50.0f, 40.0f, 1.0f, 0.0f, true);
+  std::optional<Box> const mirrored = Drawn(target);
+  ASSERT_TRUE(mirrored);
+  EXPECT_EQ(*mirrored, *plain);
+  EXPECT_EQ(target.pixel(mirrored->left, mirrored->top + 1), 0xFF00FF00u);
+  EXPECT_EQ(target.pixel(mirrored->right, mirrored->top + 1), 0xFFFF0000u);
+}
+
+TEST_F(RendererDrawing, SweptCircleWithEqualEndsDrawsOnlyTheCircles) {
+  std::filesystem::remove("data/circle_cross_section.png");
+  Renderer renderer = make(Camera{0.0f, 0.0f, 1.0f});
+  EXPECT_NO_THROW(renderer.renderSweptCircle(50.0f, 50.0f, 50.0f, 50.0f, 5.0f));
+  EXPECT_NO_THROW(renderer.renderSweptCircle(50.0f, 50.0f, 50.0005f, 50.0f, 5.0f));
+  // The band needs its texture, and asks for it only now.
+  EXPECT_THROW(renderer.renderSweptCircle(50.0f, 50.0f, 60.0f, 50.0f, 5.0f), std::runtime_error);
+}
+
+TEST_F(RendererDrawing, ASpriteIsDrawnOnceForEachCopyOfAWrappedWorldInView) {
+  // A 100-pixel world on a 400-pixel screen at zoom 1: units at x 30 show at 30, 130, 230, 330.
+  Renderer wrapped = make(Camera{0.0f, 0.0f, 1.0f}, true, false, 100, 1000);
+  wrapped.renderLemming(Position{30, 100});
+  target.flush();
+  int const row = target.height() - 1 - 105;
+  std::vector<int> starts;
+  for (int x = 0; x < target.width(); ++x) {
+    if (target.pixel(x, row) != kBlack && (x == 0 || target.pixel(x - 1, row) == kBlack)) starts.push_back(x);
+  }
+  EXPECT_EQ(starts, (std::vector<int>{27, 127, 227, 327}));
+
+  // Without the flag on that axis there is one copy, even though the world is narrower than the view.
+  target.clear(kBlack);
+  Renderer flat = make(Camera{0.0f, 0.0f, 1.0f}, false, true, 100, 1000);
+  flat.renderLemming(Position{30, 100});
+  target.flush();
+  int copies = 0;
+  for (int x = 0; x < target.width(); ++x) {
+    copies += target.pixel(x, row) != kBlack && (x == 0 || target.pixel(x - 1, row) == kBlack);
+  }
+  EXPECT_EQ(copies, 1);
+}
+
+TEST_F(RendererDrawing, GreyscaleSpritesWearTheColourInForce) {
+  textures.setGreyscaleColour(SDL_Color{0, 128, 255, 255});
+  Renderer renderer = make(Camera{0.0f, 0.0f, 2.0f});
+  renderer.renderCircle(50.0f, 50.0f, 4.0f);  // first asked for after the colour was set
+  std::optional<Box> const box = Drawn(target);
+  ASSERT_TRUE(box);
+  EXPECT_EQ(target.pixel(box->left + 2, box->top + 2), 0xFF0080FFu);
+
+  // A new colour reaches the textures already held.
+  textures.setGreyscaleColour(SDL_Color{255, 0, 0, 255});
+  target.clear(kBlack);
+  renderer.renderCircle(50.0f, 50.0f, 4.0f);
+  target.flush();
+  EXPECT_EQ(target.pixel(box->left + 2, box->top + 2), 0xFFFF0000u);
+}

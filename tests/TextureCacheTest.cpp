@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "TextureCache.h"
+#include "support/TestImages.h"
+
+using testing_support::SaveImage;
+using testing_support::ScopedDataDirectory;
+using testing_support::SoftwareTarget;
+
+namespace {
+
+std::string ErrorText(std::function<void()> const& action) {
+  try {
+    action();
+  } catch (std::runtime_error const& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+}  // namespace
+
+TEST(TextureCache, EachTextureIsLoadedOnceByName) {
+  ScopedDataDirectory directory;
+  SaveImage("icon.png", 4, 4, [](int, int) { return 0xFF336699u; });
+  SoftwareTarget target(8, 8);
+  TextureCache cache(target.renderer());
+  SDL_Texture* colour = cache.getTexture("icon.png");
+  ASSERT_NE(colour, nullptr);
+  std::filesystem::remove("data/icon.png");  // no second read from disk
+  EXPECT_EQ(cache.getTexture("icon.png"), colour);
+
+  SaveImage("shape.png", 4, 4, [](int, int) { return 0xFF000000u; });
+  SDL_Texture* grey = cache.getGreyscaleTexture("shape.png");
+  EXPECT_EQ(cache.getGreyscaleTexture("shape.png"), grey);
+  EXPECT_NE(grey, colour);
+  // The two kinds are held apart: the same name can be both.
+  SDL_Texture* asColour = cache.getTexture("shape.png");
+  EXPECT_NE(asColour, grey);
+}
+
+TEST(TextureCache, MissingFilesFailOnFirstUseWithThePath) {
+  ScopedDataDirectory directory;
+  SoftwareTarget target(8, 8);
+  TextureCache cache(target.renderer());
+  std::string const colour = ErrorText([&] { cache.getTexture("absent.png"); });
+  EXPECT_EQ(colour.rfind("Failed to load image: data/absent.png - ", 0), 0u) << colour;
+  ::testing::internal::CaptureStderr();
+  std::string const grey = ErrorText([&] { cache.getGreyscaleTexture("absent.png"); });
+  ::testing::internal::GetCapturedStderr();
+  EXPECT_EQ(grey.rfind("Failed to load greyscale texture: data/absent.png - ", 0), 0u) << grey;
+}
+
+TEST(TextureCache, GreyscaleColourIsGlobalToAllGreyscaleTextures) {
+  ScopedDataDirectory directory;
+  SaveImage("a.png", 2, 2, [](int, int) { return 0xFF000000u; });
+  SaveImage("b.png", 2, 2, [](int, int) { return 0xFF000000u; });
+  SoftwareTarget target(8, 8);
+  TextureCache cache(target.renderer());
+  EXPECT_EQ(cache.greyscaleColour().a, 255);
+  EXPECT_EQ(cache.greyscaleColour().r, 255);
+  SDL_Texture* a = cache.getGreyscaleTexture("a.png");
+  cache.setGreyscaleColour(SDL_Color{10, 20, 30, 40});
+  SDL_Texture* b = cache.getGreyscaleTexture("b.png");
+  for (SDL_Texture* texture : {a, b}) {
+    Uint8 r = 0, g = 0, bl = 0, alpha = 0;
+    SDL_GetTextureColorMod(texture, &r, &g, &bl);
+    SDL_GetTextureAlphaMod(texture, &alpha);
+    EXPECT_EQ(r, 10);
+    EXPECT_EQ(g, 20);
+    EXPECT_EQ(bl, 30);
+    EXPECT_EQ(alpha, 40);
+  }
+}
