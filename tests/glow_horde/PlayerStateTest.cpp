@@ -108,8 +108,23 @@ TEST(PlayerStateUpdate, SortsBusyUnitsFirstThenLeftBeforeRightAndACrowdLeavesOne
   frame();
   EXPECT_EQ(crowdXs(), (std::vector<int>{16, 15, 14, 13, 12}));
 
-  // Units on one spot facing different ways aren't a crowd: both kept walking.
   EXPECT_EQ(state.lemmings()[IndexOfId(state, 5)].position(), (Position{44, 2}));
+
+  // Two walkers on one spot facing different ways aren't a crowd: in a one-pixel pit both turn
+  // every frame, so they keep facing opposite ways.
+  GridWorld pit(20, 16);
+  pit.fill(0, 0, 19, 1, Cell::Ground);
+  pit.fill(9, 2, 9, 10, Cell::Ground);
+  pit.fill(11, 2, 11, 10, Cell::Ground);
+  PlayerState pair(BasicSetup());
+  pair.createLemming(10, 2, false);
+  pair.createLemming(10, 2, true);
+  for (int i = 0; i < 4; ++i) {
+    pair.update(pit);
+    pit.endFrame();
+    ASSERT_NE(pair.lemmings()[0].facingRight(), pair.lemmings()[1].facingRight()) << "frame " << i + 1;
+    EXPECT_EQ(pair.lemmings()[0].position(), pair.lemmings()[1].position());
+  }
 }
 
 TEST(PlayerStateUpdate, SpawnsOnGameTimeWithTheRemainderCarriedOver) {
@@ -151,6 +166,17 @@ TEST(PlayerStateUpdate, SpawnsOnGameTimeWithTheRemainderCarriedOver) {
   updates(500);
   EXPECT_EQ(state.lemmings().size(), 3u);
   EXPECT_EQ(state.spawnClock(), clock) << "the clock stops with nothing left to spawn";
+
+  // Reaching the interval exactly isn't enough: it must be passed.
+  setup.spawnInterval = 100;
+  setup.framePeriod = 50;
+  PlayerState exact(setup);
+  exact.update(world);
+  exact.update(world);
+  EXPECT_TRUE(exact.lemmings().empty());
+  exact.update(world);
+  EXPECT_EQ(exact.lemmings().size(), 1u);
+  EXPECT_EQ(exact.spawnClock(), 50);
 }
 
 // --- Choosing a unit ---
@@ -176,18 +202,18 @@ TEST(PlayerStateClosestTo, DistanceWrapsOnlyOnTheCameraWrappingAxes) {
   PlayerState::Setup setup = BasicSetup();
   setup.cameraWrapX = true;
   PlayerState wrapsX(setup);
-  wrapsX.createLemming(1020, 100, true);
-  wrapsX.createLemming(100, 1020, true);
-  EXPECT_EQ(wrapsX.closestTo(5, 100, DirectionFilter::Any, T::BeforeFalling), 0);
-  EXPECT_FALSE(wrapsX.closestTo(100, 3, DirectionFilter::Any, T::BeforeFalling).has_value());
+  wrapsX.createLemming(1020, 500, true);
+  wrapsX.createLemming(500, 1020, true);
+  EXPECT_EQ(wrapsX.closestTo(5, 500, DirectionFilter::Any, T::BeforeFalling), 0);
+  EXPECT_FALSE(wrapsX.closestTo(500, 3, DirectionFilter::Any, T::BeforeFalling).has_value());
 
   setup.cameraWrapX = false;
   setup.cameraWrapY = true;
   PlayerState wrapsY(setup);
-  wrapsY.createLemming(1020, 100, true);
-  wrapsY.createLemming(100, 1020, true);
-  EXPECT_FALSE(wrapsY.closestTo(5, 100, DirectionFilter::Any, T::BeforeFalling).has_value());
-  EXPECT_EQ(wrapsY.closestTo(100, 3, DirectionFilter::Any, T::BeforeFalling), 1);
+  wrapsY.createLemming(1020, 500, true);
+  wrapsY.createLemming(500, 1020, true);
+  EXPECT_FALSE(wrapsY.closestTo(5, 500, DirectionFilter::Any, T::BeforeFalling).has_value());
+  EXPECT_EQ(wrapsY.closestTo(500, 3, DirectionFilter::Any, T::BeforeFalling), 1);
 }
 
 TEST(PlayerStateClosestTo, FallingUnitsRefusedForImmediateOnlyAndTiesGoToTheLowerIndex) {
