@@ -11,7 +11,7 @@ inline constexpr std::uint32_t k_testGround = 0xFE7A5030u;
 inline constexpr std::uint32_t k_testRock = 0xFF505050u;
 inline constexpr std::uint32_t k_testSky = 0x00000000u;
 
-struct ChunkedTestWorldSpec {
+struct ChunkedTestWorldLayout {
   int width = 256;
   int height = 256;
   int players = 1;
@@ -25,4 +25,4 @@ struct ChunkedTestWorldSpec {
 
 // Builds a real chunked world from an image drawn by the test: the image is written to a temporary
 // data directory, loaded the way a session loads a map, and the directory is removed again.
-std::unique_ptr<ChunkedWorld> BuildChunkedWorld(ChunkedTestWorldSpec const& spec);
+std::unique_ptr<ChunkedWorld> BuildChunkedWorld(ChunkedTestWorldLayout const& layout);
