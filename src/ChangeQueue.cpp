@@ -17,25 +17,29 @@ struct SlotRangeOutcome {
 
 // Ages count slots back from the newest: age 0 is slot N-1. The table holds the two most recent frames
 // of each pixel, so it answers every range whose youngest age is 0 or 1.
-SlotRangeOutcome OutcomeFromTable(PendingPixel const& entry, std::uint32_t newestFrame, std::uint32_t youngest,
+std::uint32_t Age(std::uint16_t newestFrame, std::uint16_t frame) {
+  return static_cast<std::uint16_t>(newestFrame - frame);
+}
+
+SlotRangeOutcome OutcomeFromTable(PendingPixel const& entry, std::uint16_t newestFrame, std::uint32_t youngest,
                                   std::uint32_t oldest) {
   SlotRangeOutcome outcome;
-  std::uint32_t const latestAge = newestFrame - entry.latestFrame;
+  std::uint32_t const latestAge = Age(newestFrame, entry.latestFrame);
   if (latestAge >= youngest) {
     if (latestAge <= oldest) {
       outcome.touched = true;
       outcome.removed = entry.latestRemoves;
     }
-  } else if (entry.hasPrevious && newestFrame - entry.previousFrame <= oldest) {
+  } else if (entry.hasPrevious && Age(newestFrame, entry.previousFrame) <= oldest) {
     outcome.touched = true;
     outcome.removed = entry.previousRemoves;
   }
   if (entry.hasLatestAdd) {
-    std::uint32_t const addAge = newestFrame - entry.latestAddFrame;
+    std::uint32_t const addAge = Age(newestFrame, entry.latestAddFrame);
     if (addAge >= youngest) {
       outcome.added = addAge <= oldest;
     } else if (entry.hasPreviousAdd) {
-      outcome.added = newestFrame - entry.previousAddFrame <= oldest;
+      outcome.added = Age(newestFrame, entry.previousAddFrame) <= oldest;
     }
   }
   return outcome;
@@ -48,7 +52,8 @@ ChangeQueue::ChangeQueue(int slots)
       removeEnds_(static_cast<std::size_t>(slots), 0),
       addEnds_(static_cast<std::size_t>(slots), 0),
       pendingBits_(std::make_unique<std::uint64_t[]>(65536 / 64)) {
-  QZ_ASSERT(slots >= 1);
+  // Frames are told apart modulo 65536.
+  QZ_ASSERT(slots >= 1 && slots <= 32768);
 }
 
 void ChangeQueue::queueAddPixel(unsigned char x, unsigned char y) {
@@ -177,7 +182,7 @@ void ChangeQueue::applyPendingRemoves(int slot,
   }
 }
 
-void ChangeQueue::retire(std::uint32_t pixel, std::uint32_t frame, bool add) {
+void ChangeQueue::retire(std::uint32_t pixel, std::uint16_t frame, bool add) {
   PendingPixel* entry = pending_.find(pixel);
   if (entry == nullptr) {
     return;  // an earlier change of this pixel in the same slot already cleared it
@@ -203,7 +208,7 @@ void ChangeQueue::retire(std::uint32_t pixel, std::uint32_t frame, bool add) {
 void ChangeQueue::advanceQueues() {
   std::uint64_t const a = addEnds_.front();
   std::uint64_t const r = removeEnds_.front();
-  std::uint32_t const leavingFrame = newestFrame_ - static_cast<std::uint32_t>(slots_ - 1);
+  auto const leavingFrame = static_cast<std::uint16_t>(newestFrame_ - (slots_ - 1));
   for (std::uint64_t i = 0; i < a; ++i) {
     retire(PixelIndex(adds_[2 * i], adds_[2 * i + 1]), leavingFrame, true);
   }

@@ -69,7 +69,7 @@ private:
   bool scanIsGround(unsigned char x, unsigned char y, bool base, int firstSlot, int lastSlot) const;
   void scanFlags(unsigned char x, unsigned char y, int firstSlot, int lastSlot, bool& added, bool& removed) const;
   void note(unsigned char x, unsigned char y, bool add);
-  void retire(std::uint32_t pixel, std::uint32_t frame, bool add);
+  void retire(std::uint32_t pixel, std::uint16_t frame, bool add);
   std::uint64_t begin(std::deque<std::uint64_t> const& ends, int slot) const {
     return slot == 0 ? 0 : ends[static_cast<std::size_t>(slot - 1)];
   }
@@ -80,8 +80,8 @@ private:
   std::deque<unsigned char> adds_;
   std::deque<std::uint64_t> addEnds_;
 
-  // The frame of the newest slot; slot i holds the changes of frame newestFrame_ - (N - 1 - i).
-  std::uint32_t newestFrame_ = 0;
+  // The frame of the newest slot, modulo 65536; slot i holds the changes of frame newestFrame_ - (N - 1 - i).
+  std::uint16_t newestFrame_ = 0;
   std::unique_ptr<std::uint64_t[]> pendingBits_;
   PendingPixelTable pending_;
 };

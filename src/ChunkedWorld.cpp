@@ -90,6 +90,7 @@ ChunkedWorld::ChunkedWorld(SDL_Renderer* renderer, int players, int localPlayer,
       chunkRow.push_back(std::make_unique<ChunkWithChangeQueues>(
           std::move(grid[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]), players, localPlayer,
           delayFrames));
+      grid_.push_back(chunkRow.back().get());
     }
   }
 }

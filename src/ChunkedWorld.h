@@ -86,6 +86,8 @@ private:
 
   SDL_Renderer* renderer_;
   std::vector<std::vector<std::unique_ptr<ChunkWithChangeQueues>>> chunks_;
+  // The same chunks row by row in one array, for lookups with a single indirection.
+  std::vector<ChunkWithChangeQueues*> grid_;
   int chunksWide_ = 0;
   int chunksHigh_ = 0;
   bool wrapX_ = false;
@@ -98,7 +100,7 @@ inline ChunkWithChangeQueues* ChunkedWorld::getChunk(int x, int y) {
   if (x < 0 || y < 0 || x >= width() || y >= height()) {
     return nullptr;
   }
-  return chunks_[static_cast<std::size_t>(y >> 8)][static_cast<std::size_t>(x >> 8)].get();
+  return grid_[static_cast<std::size_t>((y >> 8) * chunksWide_ + (x >> 8))];
 }
 
 inline ChunkWithChangeQueues const* ChunkedWorld::getChunk(int x, int y) const {

@@ -9,7 +9,3 @@ Games::Games() {
   games_.push_back(std::make_shared<AviatorsGame>(AviatorsGame::Private{}));
   games_.push_back(std::make_shared<VipersGame>(VipersGame::Private{}));
 }
-
-void Games::oneTimeAppInit(SDL3App& app) {
-  GlowHordeGame::oneTimeAppInit(app);
-}

@@ -10,7 +10,7 @@ constexpr std::uint32_t kInitialBits = 6;
 
 std::uint32_t PendingPixelTable::locate(std::uint32_t key) const {
   std::uint32_t i = home(key);
-  while (slots_[i].key != key && slots_[i].key != kEmpty) {
+  while (slots_[i].used && slots_[i].key != key) {
     i = (i + 1) & mask_;
   }
   return i;
@@ -21,7 +21,7 @@ PendingPixel* PendingPixelTable::find(std::uint32_t pixel) {
     return nullptr;
   }
   Slot& slot = slots_[locate(pixel)];
-  return slot.key == pixel ? &slot.value : nullptr;
+  return slot.used ? &slot.value : nullptr;
 }
 
 PendingPixel const* PendingPixelTable::find(std::uint32_t pixel) const {
@@ -29,14 +29,15 @@ PendingPixel const* PendingPixelTable::find(std::uint32_t pixel) const {
 }
 
 PendingPixel& PendingPixelTable::findOrInsert(std::uint32_t pixel, bool* created) {
-  QZ_ASSERT(pixel != kEmpty);
+  QZ_ASSERT(pixel < 65536);
   if (slots_ == nullptr || (size_ + 1) * 2 > mask_ + 1) {
     grow();
   }
   Slot& slot = slots_[locate(pixel)];
-  *created = slot.key != pixel;
+  *created = !slot.used;
   if (*created) {
-    slot.key = pixel;
+    slot.used = true;
+    slot.key = static_cast<std::uint16_t>(pixel);
     slot.value = PendingPixel{};
     ++size_;
   }
@@ -48,7 +49,7 @@ void PendingPixelTable::erase(std::uint32_t pixel) {
     return;
   }
   std::uint32_t hole = locate(pixel);
-  if (slots_[hole].key != pixel) {
+  if (!slots_[hole].used) {
     return;
   }
   // Pull later members of the probe run back into the hole, so that every key stays reachable
@@ -56,7 +57,7 @@ void PendingPixelTable::erase(std::uint32_t pixel) {
   std::uint32_t next = hole;
   for (;;) {
     next = (next + 1) & mask_;
-    if (slots_[next].key == kEmpty) {
+    if (!slots_[next].used) {
       break;
     }
     std::uint32_t const wanted = home(slots_[next].key);
@@ -67,7 +68,7 @@ void PendingPixelTable::erase(std::uint32_t pixel) {
       hole = next;
     }
   }
-  slots_[hole].key = kEmpty;
+  slots_[hole].used = false;
   --size_;
 }
 
@@ -78,7 +79,7 @@ void PendingPixelTable::grow() {
   mask_ = (1u << bits) - 1;
   shift_ = 32 - bits;
   for (std::uint32_t i = 0; i < oldCapacity; ++i) {
-    if (old[i].key != kEmpty) {
+    if (old[i].used) {
       slots_[locate(old[i].key)] = old[i];
     }
   }

@@ -6,17 +6,18 @@
 // What a change queue remembers about one pixel that has changes pending in it: the two most recent
 // frames in which the pixel was changed, with whether each of them removed it, and the two most recent
 // frames in which it was added. That is enough to answer any question about slot ranges that reach up
-// to the newest slot or the one before it. Frames are counted by the queue; they may wrap around.
+// to the newest slot or the one before it. Frames are counted by the queue modulo 65536, which is far
+// more than the number of slots, so differences of frames are exact ages.
 struct PendingPixel {
-  std::uint32_t latestFrame = 0;
-  std::uint32_t previousFrame = 0;
-  std::uint32_t latestAddFrame = 0;
-  std::uint32_t previousAddFrame = 0;
-  bool latestRemoves = false;
-  bool previousRemoves = false;
-  bool hasPrevious = false;
-  bool hasLatestAdd = false;
-  bool hasPreviousAdd = false;
+  std::uint16_t latestFrame = 0;
+  std::uint16_t previousFrame = 0;
+  std::uint16_t latestAddFrame = 0;
+  std::uint16_t previousAddFrame = 0;
+  bool latestRemoves : 1 = false;
+  bool previousRemoves : 1 = false;
+  bool hasPrevious : 1 = false;
+  bool hasLatestAdd : 1 = false;
+  bool hasPreviousAdd : 1 = false;
 };
 
 // Open-addressing hash table from a chunk-local pixel index (0 to 65535) to its PendingPixel.
@@ -40,9 +41,10 @@ public:
   std::uint32_t capacity() const { return slots_ == nullptr ? 0 : mask_ + 1; }
 
 private:
-  static constexpr std::uint32_t kEmpty = 0xFFFFFFFFu;
+  // Kept small (14 bytes) so that a crowded table stays in cache.
   struct Slot {
-    std::uint32_t key = kEmpty;
+    std::uint16_t key = 0;
+    bool used = false;
     PendingPixel value;
   };
 

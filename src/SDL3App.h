@@ -69,9 +69,14 @@ public:
   int getHeight() const { return height_; }
   bool isFullScreen() const { return fullScreen_; }
   bool isRendering() const { return rendering_; }
+  // The name of the cursor in force; empty for the system's default cursor.
+  std::optional<std::string> const& currentCursorName() const { return currentCursor_; }
+  bool hasCursor(std::string const& name) const { return cursors_.contains(name); }
 
 private:
   void cleanup();
+  void storeCursor(char const* name, SDL_Cursor* cursor);
+  SDL_Cursor* cursorInForce() const;
 
   std::unique_ptr<SoundSystem> sound_;
   std::unique_ptr<WithBackgroundUpdate> watchdog_;

@@ -179,3 +179,39 @@ TEST(ChangeQueue, MatchesSlotBySlotRulesForEveryRange) {
     }
   }
 }
+
+// The queue counts frames modulo 65536; answers across the wrap must not change.
+TEST(ChangeQueue, AnswersStayRightWhenTheFrameCounterWraps) {
+  constexpr int kSlots = 31;
+  ChangeQueue queue(kSlots);
+  ModelQueue model(kSlots);
+  for (int frame = 0; frame < 65536 - 40; ++frame) {
+    queue.advanceQueues();
+  }
+  std::mt19937 random(5);
+  for (int frame = 0; frame < 120; ++frame) {
+    for (int c = 0; c < 4; ++c) {
+      int const x = static_cast<int>(random() % 3);
+      if (random() % 2 == 0) {
+        queue.queueAddPixel(static_cast<unsigned char>(x), 0);
+        model.add(x, 0);
+      } else {
+        queue.queueRemovePixel(static_cast<unsigned char>(x), 0);
+        model.remove(x, 0);
+      }
+    }
+    for (int x = 0; x < 3; ++x) {
+      for (auto [first, last] : {std::pair{0, kSlots - 2}, std::pair{15, kSlots - 2}, std::pair{0, kSlots - 1},
+                                 std::pair{1, kSlots - 1}}) {
+        ASSERT_EQ(queue.isGround(static_cast<unsigned char>(x), 0, false, first, last),
+                  model.isGround(x, 0, false, first, last))
+            << "frame " << frame;
+        ASSERT_EQ(queue.modifiedPixel(static_cast<unsigned char>(x), 0, 0xFE000001u, first, last),
+                  model.modified(x, 0, 0xFE000001u, first, last))
+            << "frame " << frame;
+      }
+    }
+    queue.advanceQueues();
+    model.advance();
+  }
+}

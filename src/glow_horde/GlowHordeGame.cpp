@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "MapDigests.h"
-#include "SDL3App.h"
 #include "SchemaEntries.h"
 
 namespace {
@@ -148,35 +147,4 @@ std::string GlowHordeGame::formatResult(std::vector<long long> const& row, bool)
   }
   double const averageSeconds = static_cast<double>(-row[1]) / 1000.0 / static_cast<double>(row[0]);
   return fmt::format("{} exited in average {:.1f} seconds", row[0], averageSeconds);
-}
-
-void GlowHordeGame::oneTimeAppInit(SDL3App& app) {
-  struct Base {
-    char const* file;
-    char const* name;
-    char const* prefix;
-    bool flip;
-  };
-  static constexpr Base kBases[] = {
-      {"cursor.png", "", "", false},
-      {"cursor_left.png", "left", "left_", true},
-      {"cursor_right.png", "right", "right_", false},
-  };
-  struct Icon {
-    char const* file;
-    char const* word;
-  };
-  static constexpr Icon kIcons[] = {
-      {"blocked_icon.png", "blocked"}, {"falling_icon.png", "falling"}, {"turned_icon.png", "turned"}};
-
-  for (Base const& base : kBases) {
-    app.loadCursor(base.file, Position{0, 0}, base.name);
-  }
-  for (Base const& base : kBases) {
-    for (Icon const& icon : kIcons) {
-      std::string const name = std::string(base.prefix) + icon.word;
-      app.loadCompositeCursor(base.file, icon.file, Position{0, 0}, name.c_str(), base.flip);
-    }
-  }
-  app.setCursor("");
 }

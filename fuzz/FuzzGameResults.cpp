@@ -1,0 +1,8 @@
+// Fuzz target: FromBytes of GameResults.
+#include "LobbyRecordsWire.h"
+#include "FuzzChecks.h"
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  fuzz::CheckReader<GameResults>(data, size);
+  return 0;
+}

@@ -1,0 +1,12 @@
+// Fuzz target: the tolerant GameSpec reader. Every input gives a spec, and a spec writes back to
+// bytes that read to the same spec.
+#include "FuzzChecks.h"
+#include "GameRecordsWire.h"
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  GameSpec const spec = ParseGameSpec(data, size);
+  std::vector<unsigned char> bytes;
+  ToBytes(spec, bytes);
+  FUZZ_REQUIRE(ParseGameSpec(bytes) == spec);
+  return 0;
+}

@@ -1,0 +1,8 @@
+// Fuzz target: FromBytes of PlayerNameInfo.
+#include "LobbyRecordsWire.h"
+#include "FuzzChecks.h"
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  fuzz::CheckReader<PlayerNameInfo>(data, size);
+  return 0;
+}

@@ -1,0 +1,131 @@
+// Writes the seed corpus of the fuzz targets: a few small, valid records for each reader, one file
+// each, in <directory>/<target>/. Run it again after a change of the encoding and commit the result.
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "GameRecordsWire.h"
+#include "LobbyRecordsWire.h"
+#include "Recording.h"
+#include "ServerInfo.h"
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+template <class T>
+Bytes Encode(T const& value) {
+  Bytes out;
+  ToBytes(value, out);
+  return out;
+}
+
+Bytes Prefixed(unsigned char selector, Bytes const& rest) {
+  Bytes bytes{selector};
+  bytes.insert(bytes.end(), rest.begin(), rest.end());
+  return bytes;
+}
+
+GameSettings Settings() { return GameSettings{{{"map", "Canyon"}, {"mode", "x"}}, {{"duration_seconds", 90}}}; }
+
+GameSpec Spec(GameSpecSettings settings) {
+  GameSpec spec;
+  spec.game = Game::Aviators;
+  spec.settings = std::move(settings);
+  spec.delayFrames = 12;
+  spec.minPlayers = 2;
+  spec.maxPlayers = 4;
+  return spec;
+}
+
+RunningGameState Running() { return RunningGameState{3, true, {1, 0}, {false, true}}; }
+
+GameRoom Room() {
+  GameRoom room;
+  room.description = "room";
+  room.minPlayers = 1;
+  room.maxPlayers = 2;
+  room.specBytes = Encode(Spec(RankedMatchIndex{1}));
+  room.players = {1, 0};
+  room.slotChoices = {-1, 1};
+  room.assignedSlots = {0, 1};
+  room.ready = {true, false};
+  room.roomToken = 77;
+  room.runningGame = Running();
+  room.lastResultsIndex = 5;
+  return room;
+}
+
+LobbyState Lobby() {
+  LobbyState lobby;
+  lobby.players = {PlayerInLobby{{1, 2, 3, 4, 5, 6, 7, 8}, 0}, std::nullopt, PlayerInLobby{{8, 7}, PlayerInLobby::kNoRoom}};
+  lobby.rooms = {Room(), std::nullopt};
+  return lobby;
+}
+
+GameResult Result() { return GameResult{600, {{2, 50}, {1, 20}}, 0x1234567890ull}; }
+
+GameResults Results() {
+  GameResults results;
+  results.specBytes = Encode(Spec(CoopChallengeIndex{0}));
+  results.finished = true;
+  results.timestampMs = 1700000000000ull;
+  results.playerIds = {{1, 1, 1, 1, 1, 1, 1, 1}, {2, 2, 2, 2, 2, 2, 2, 2}};
+  results.playerNames = {"A", "B"};
+  results.playerSlots = {0, 1};
+  results.reportedResults = {Encode(Result()), {}};
+  return results;
+}
+
+Bytes RecordingFile(std::deque<Bytes> const& newestFirst) {
+  std::stringstream file;
+  Recording(newestFirst, Results()).save(file);
+  std::string const text = file.str();
+  return Bytes(text.begin(), text.end());
+}
+
+void Write(std::filesystem::path const& directory, std::string const& target, std::vector<Bytes> const& seeds) {
+  std::filesystem::create_directories(directory / target);
+  for (std::size_t i = 0; i < seeds.size(); ++i) {
+    std::ofstream out(directory / target / ("seed-" + std::to_string(i)), std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<char const*>(seeds[i].data()), static_cast<std::streamsize>(seeds[i].size()));
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: %s <corpus directory>\n", argv[0]);
+    return 2;
+  }
+  std::filesystem::path const out = argv[1];
+  Write(out, "lobby_state", {Encode(Lobby()), Encode(LobbyState{})});
+  Write(out, "game_room", {Encode(Room()), Encode(GameRoom{})});
+  Write(out, "running_game_state", {Encode(Running())});
+  Write(out, "game_results", {Encode(Results())});
+  Write(out, "player_name_info", {Encode(PlayerNameInfo{{1, 2, 3, 4, 5, 6, 7, 8}, "Name"})});
+  Write(out, "game_result", {Encode(Result()), Encode(GameResult{})});
+  Write(out, "game_settings", {Encode(Settings()), Encode(GameSettings{})});
+  Write(out, "settings_variant", {Encode(GameSpecSettings{CoopChallengeIndex{2}}),
+                                  Encode(GameSpecSettings{RankedMatchIndex{1}}), Encode(GameSpecSettings{Settings()})});
+  Write(out, "vector_of_bool", {Encode(std::vector<bool>{true, false, true})});
+  Write(out, "vectors", {Prefixed(0, Encode(std::vector<unsigned short>{1, 65535})),
+                         Prefixed(1, Encode(std::vector<short>{-1, 3})),
+                         Prefixed(2, Encode(std::vector<std::string>{"a", ""})),
+                         Prefixed(3, Encode(std::vector<Bytes>{{1, 2}, {}})),
+                         Prefixed(4, Encode(std::vector<std::vector<long long>>{{1, -1}, {}})),
+                         Prefixed(5, Encode(std::optional<unsigned short>{7}))});
+  Write(out, "strings", {Prefixed(0, Encode(std::string("abc"))), Prefixed(1, Encode(Bytes{0, 255}))});
+  Write(out, "game_spec", {Encode(Spec(CoopChallengeIndex{1})), Encode(Spec(RankedMatchIndex{0})),
+                           Encode(Spec(Settings())), Bytes{2, 0}});
+  Bytes serverInfo;
+  ServerInfo{12, 3}.to_wire(serverInfo);
+  Write(out, "server_info", {serverInfo});
+  Write(out, "recording", {RecordingFile({{1, 'b', 0}, {1, 'a', 2, 'x', 'y'}}), RecordingFile({})});
+  Write(out, "split_server_data", {Bytes{3, 2, 'A', 'B', 0, 1, 'C'}, Bytes{2, 1, 'x', 0}});
+  return 0;
+}

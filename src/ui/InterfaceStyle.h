@@ -1,0 +1,4 @@
+#pragma once
+
+// Writes the client's look into the interface library's style; once, before the first frame.
+void SetInterfaceStyle();

@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "AppStateInterface.h"
+#include "GameResult.h"
+#include "Games.h"
+
+namespace {
+
+SchemaEntry const& MapEntry(IGame const& game) {
+  auto found = std::find_if(game.schema.begin(), game.schema.end(), [](SchemaEntry const& e) { return e.key == "map"; });
+  EXPECT_NE(found, game.schema.end());
+  return *found;
+}
+
+}  // namespace
+
+TEST(GamesCatalogue, GlowHordeDefaultsAreCauldronsAndElevenSettings) {
+  Games const games;
+  IGame const& glowHorde = games.refGame(Game::GlowHorde);
+  GameSettings const defaults = DefaultSettingsFromSchema(glowHorde.schema);
+  EXPECT_EQ(defaults.strings.size() + defaults.ints.size(), 11u);
+  EXPECT_EQ(defaults.strings.at("map"), "Cauldrons");
+  EXPECT_EQ(defaults.ints.at("duration_seconds"), 180);
+
+  // Only selectable maps are offered, in ascending byte order.
+  EXPECT_EQ(MapEntry(glowHorde).choices,
+            (std::vector<std::string>{"Cauldrons", "Mosh pit", "Unwrapped Ledges", "Wrapped Ledges"}));
+  for (char const* hidden : {"Astral Steps", "Tutorial 1: dig down", "Tutorial 2: dig sideways", "Tutorial 3: bridge"}) {
+    EXPECT_TRUE(glowHorde.maps.contains(hidden)) << hidden;
+  }
+}
+
+TEST(GamesCatalogue, MapLookupsAndTheirFailure) {
+  Games const games;
+  IGame const& glowHorde = games.refGame(Game::GlowHorde);
+  EXPECT_EQ(glowHorde.maxPlayersForMap("Cauldrons"), 3);
+  EXPECT_EQ(glowHorde.playerTeamsForMap("Mosh pit"), (std::vector<int>{0, 1, 0, 1}));
+  EXPECT_THROW(glowHorde.maxPlayersForMap("No such map"), std::out_of_range);
+  EXPECT_THROW(glowHorde.playerTeamsForMap("No such map"), std::out_of_range);
+  // A challenge index stands for the challenge's own settings.
+  GameSettings const& challenge = glowHorde.lookup.settingsFrom(CoopChallengeIndex{0});
+  EXPECT_EQ(challenge.strings.at("map"), "Astral Steps");
+  EXPECT_EQ(challenge.ints.at("bridge_orders"), 15);
+}
+
+TEST(GamesCatalogue, ResultTextsOfAllThreeGames) {
+  Games const games;
+  AppStateInterface state;
+  state.setGames(&games);
+  constexpr long long kSurvived = std::numeric_limits<long long>::max();
+  EXPECT_EQ(state.formatGameResult(Game::GlowHorde, {4, -100000}, true), "4 exited in average 25.0 seconds");
+  EXPECT_EQ(state.formatGameResult(Game::GlowHorde, {0, 0}, false), "No hordelings exited");
+  EXPECT_EQ(state.formatGameResult(Game::Aviators, {500, 180000}, false), "500 health remaining");
+  EXPECT_EQ(state.formatGameResult(Game::Aviators, {500, 180000}, true), "500 health remaining");
+  EXPECT_EQ(state.formatGameResult(Game::Aviators, {0, 12340}, false), "Died after 12.3 seconds");
+  EXPECT_EQ(state.formatGameResult(Game::Aviators, {0, 12340}, true), "All died after 12.3 seconds");
+  EXPECT_EQ(state.formatGameResult(Game::Vipers, {153600, kSurvived}, false), "Length 600 (survived)");
+  EXPECT_EQ(state.formatGameResult(Game::Vipers, {153600, 61500}, true), "Length 600 (died after 61.5 seconds)");
+}
+
+TEST(CompareResultRows, RanksRowsBestFirstWhenSorted) {
+  std::vector<std::vector<long long>> rows{{3, -90000}, {0, 0}, {3, -60000}, {3}, {4, -200000}, {-1, 5}};
+  std::sort(rows.begin(), rows.end(), [](auto const& a, auto const& b) { return CompareResultRows(a, b) > 0; });
+  EXPECT_EQ(rows, (std::vector<std::vector<long long>>{{4, -200000}, {3, -60000}, {3, -90000}, {3}, {0, 0}, {-1, 5}}));
+}

@@ -1,0 +1,275 @@
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <memory>
+#include <stdexcept>
+
+#include "GameRecordsWire.h"
+#include "IUICommandSource.h"
+#include "LocalOnlyOrderSource.h"
+#include "MainLoopContext.h"
+#include "SDL3App.h"
+#include "TestLog.h"
+#include "support/FakeRunningGame.h"
+#include "support/HeadlessApp.h"
+#include "support/TempDirectory.h"
+
+namespace {
+
+// Gives one list of commands a frame, in order, and remembers what it saw.
+class QueuedCommands final : public IUICommandSource {
+public:
+  void fillCommands(IAppState const& state, std::vector<UICmd>& commands) override {
+    ++fills;
+    EXPECT_TRUE(commands.empty()) << "the pages' commands must be dropped before the source's";
+    lastMode = state.mode();
+    if (!frames.empty()) {
+      commands = std::move(frames.front());
+      frames.pop_front();
+    }
+  }
+  void observeState(IAppState const& state) override {
+    ++observations;
+    EXPECT_EQ(fills, observations - 1) << "observeState comes before fillCommands";
+    lastMode = state.mode();
+  }
+
+  std::deque<std::vector<UICmd>> frames;
+  int fills = 0;
+  int observations = 0;
+  int lastMode = -1;
+};
+
+class MainLoopContextTest : public ::testing::Test {
+protected:
+  static void SetUpTestSuite() { app_ = MakeHeadlessApp(); }
+  static void TearDownTestSuite() { app_.reset(); }
+
+  std::unique_ptr<MainLoopContext> create(bool noFramePacing = true) {
+    return MainLoopContext::Create(app_, "127.0.0.1", 6567, directory.str(), "", &source, noFramePacing);
+  }
+
+  // Puts the context into a local game with a fake session, as the tutorial transition would.
+  FakeRunningGame& enterLocalGame(MainLoopContext& context, std::uint16_t level) {
+    mainloop::LocalGameState local;
+    auto game = std::make_unique<FakeRunningGame>(context.shared.games.refGame(Game::GlowHorde), 15, 1000);
+    FakeRunningGame& fake = *game;
+    local.game = std::move(game);
+    local.players = {0};
+    local.orderSource = std::make_unique<LocalOnlyOrderSource>(1, 0, 15);
+    local.tutorialLevel = level;
+    context.state = std::move(local);
+    return fake;
+  }
+
+  FakeRunningGame& enterReplay(MainLoopContext& context, GameResult const& expected) {
+    mainloop::ReplayState replay;
+    auto game = std::make_unique<FakeRunningGame>(context.shared.games.refGame(Game::Vipers), 15, 1000);
+    FakeRunningGame& fake = *game;
+    replay.game = std::move(game);
+    replay.players = {0, 1};
+    replay.orderSource = std::make_unique<LocalOnlyOrderSource>(2, 0, 15);
+    replay.delayFrames = 15;
+    replay.hasExpectedEnd = true;
+    replay.expectedEndFrame = expected.endFrame;
+    std::vector<unsigned char> bytes;
+    ToBytes(expected, bytes);
+    replay.expectedResult = bytes;
+    context.state = std::move(replay);
+    return fake;
+  }
+
+  static std::shared_ptr<SDL3App> app_;
+  TempDirectory directory;
+  QueuedCommands source;
+};
+
+std::shared_ptr<SDL3App> MainLoopContextTest::app_;
+
+}  // namespace
+
+TEST_F(MainLoopContextTest, StartsOfflineWithTheSavedProgressAndTheBanner) {
+  directory.write("userdata/progress.ini", "[tutorial]\n0=completed\n");
+  auto context = create();
+  EXPECT_EQ(context->stateIndex(), 0u);
+  EXPECT_NE(context->shared.banner, nullptr);
+  EXPECT_EQ(context->shared.tutorialProgress.statusOf(0), TutorialProgress::kCompleted);
+  EXPECT_TRUE(app_->hasCursor("left_falling"));  // the game's cursors were loaded
+
+  context->runOneFrame(false);
+  EXPECT_EQ(context->appState.mode(), 0);
+  EXPECT_EQ(context->appState.offlineData().directory, directory.str());
+  EXPECT_EQ(context->appState.offlineData().tutorialProgress, &context->shared.tutorialProgress);
+  EXPECT_EQ(context->appState.gameFrame(), 0u);
+  EXPECT_FALSE(context->appState.gameRoomExists(0));
+  EXPECT_EQ(source.observations, 1);
+  EXPECT_EQ(source.lastMode, 0);
+  // The interface filled the custom settings of each game on its first frame.
+  EXPECT_EQ(context->shared.ui.lobbyState().customSettings.size(), 3u);
+}
+
+TEST_F(MainLoopContextTest, QuitToDesktopEndsTheLoopAfterTheFrame) {
+  auto context = create();
+  source.frames = {{}, {UICmd::QuitToDesktop{}}};
+  context->runOneFrame(false);
+  EXPECT_FALSE(context->quit);
+  context->runOneFrame(false);
+  EXPECT_TRUE(context->quit);
+  EXPECT_EQ(context->stateIndex(), 0u);
+}
+
+TEST_F(MainLoopContextTest, SkippingRenderingRunsNoCommandsAndNoSimulation) {
+  auto context = create();
+  FakeRunningGame& game = enterLocalGame(*context, 0);
+  source.frames = {{UICmd::AbandonGame{}}};
+  context->runOneFrame(true);
+  EXPECT_EQ(source.observations, 0);
+  EXPECT_EQ(game.uiChecks, 1);
+  EXPECT_EQ(game.renders, 0);
+  EXPECT_EQ(game.updates, 0);
+  EXPECT_EQ(context->appState.mode(), 4);
+  EXPECT_EQ(context->stateIndex(), 3u);
+}
+
+TEST_F(MainLoopContextTest, ALocalGameStepsOncePerFrameAndShowsItsSnapshot) {
+  auto context = create();
+  FakeRunningGame& game = enterLocalGame(*context, 2);
+  source.frames = {{}, {UICmd::EndGameEarly{}, UICmd::InjectGameOrder{"order"}}};
+  context->runOneFrame(false);
+  context->runOneFrame(false);
+  EXPECT_EQ(game.updates, 2);
+  EXPECT_EQ(game.renders, 2);
+  EXPECT_EQ(game.lastOrderCount, 1u);
+  EXPECT_EQ(game.endGameNowCalls, 1);
+  EXPECT_EQ(game.injected, (std::vector<std::string>{"order"}));
+
+  GameData const& data = context->appState.gameData();
+  EXPECT_EQ(context->appState.mode(), 4);
+  EXPECT_EQ(data.localPlayer, 0);
+  EXPECT_EQ(data.playerNames, (std::vector<std::string>{"Player"}));
+  EXPECT_EQ(data.players, (std::vector<std::uint16_t>{0}));
+  EXPECT_EQ(data.game, &game);
+  // The snapshot is taken before the frame's step: the session stood at 16 when the second frame began.
+  EXPECT_EQ(context->appState.gameFrame(), 17u);
+}
+
+TEST_F(MainLoopContextTest, LeavingATutorialLevelWithAUnitOutCompletesIt) {
+  auto context = create();
+  FakeRunningGame& game = enterLocalGame(*context, 2);
+  game.result.results = {{1, -30000}};
+  source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
+  context->runOneFrame(false);
+  EXPECT_EQ(context->stateIndex(), 0u);
+  EXPECT_EQ(context->shared.tutorialProgress.statusOf(2), TutorialProgress::kCompleted);
+  EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n2=completed\n\n[attempts]\n");
+}
+
+TEST_F(MainLoopContextTest, AbandoningALevelWithNoUnitOutLeavesItsStatus) {
+  directory.write("userdata/progress.ini", "[tutorial]\n1=skipped\n");
+  auto context = create();
+  FakeRunningGame& game = enterLocalGame(*context, 1);
+  game.result.results = {{0, 0}};
+  source.frames = {{UICmd::AbandonGame{}}};
+  context->runOneFrame(false);
+  EXPECT_EQ(context->stateIndex(), 0u);
+  EXPECT_EQ(context->shared.tutorialProgress.statusOf(1), TutorialProgress::kSkipped);
+  EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n1=skipped\n");
+}
+
+TEST_F(MainLoopContextTest, PlayTutorialCountsTheAttemptBeforeTheLevelStarts) {
+  auto context = create();
+  source.frames = {{UICmd::PlayTutorial{0}}};
+  try {
+    context->runOneFrame(false);
+    // With a Glow Horde session available the level is running now.
+    ASSERT_EQ(context->stateIndex(), 3u);
+    EXPECT_EQ(std::get<mainloop::LocalGameState>(context->state).tutorialLevel, 0);
+  } catch (std::runtime_error const& error) {
+    // Without one, starting the session fails clearly and the run would end at the fatal screen.
+    EXPECT_NE(std::string(error.what()).find("Glow Horde"), std::string::npos) << error.what();
+  }
+  EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n\n[attempts]\n0=1\n");
+}
+
+TEST_F(MainLoopContextTest, AReplayEndsAtTheRecordedEndAndProvesItsResult) {
+  TempDirectory logDirectory;
+  TestLog::init((logDirectory.path() / "log.jsonl").string());
+  auto context = create();
+  GameResult expected;
+  expected.endFrame = 40;  // the players ended the game early, at frame 25
+  expected.results = {{5, 9}, {3, 1}};
+  expected.endStateChecksum = 77;
+  FakeRunningGame& game = enterReplay(*context, expected);
+  game.result = expected;
+
+  // The session starts at frame 15 and would run to 1000; the background action brings its end
+  // forward at frame 25, when frame + 15 is the recorded end, and it ends 15 frames later.
+  for (int frame = 0; frame < 30; ++frame) {
+    context->runOneFrame(false);
+  }
+  EXPECT_EQ(game.currentFrame(), 40u);
+  EXPECT_EQ(game.endGameNowCalls, 1);
+  EXPECT_TRUE(game.gameEnded());
+
+  source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
+  context->runOneFrame(false);
+  EXPECT_EQ(context->stateIndex(), 0u);
+  TestLog::close();
+  EXPECT_EQ(logDirectory.read("log.jsonl"),
+            "{\"event\":\"replay_verification\",\"matched\":true,\"end_frame\":40,\"end_state_checksum\":77}\n");
+}
+
+TEST_F(MainLoopContextTest, AReplayThatDoesntReproduceItsResultIsFatal) {
+  TempDirectory logDirectory;
+  TestLog::init((logDirectory.path() / "log.jsonl").string());
+  auto context = create();
+  GameResult expected;
+  expected.endFrame = 40;
+  expected.results = {{5, 9}};
+  expected.endStateChecksum = 77;
+  FakeRunningGame& game = enterReplay(*context, expected);
+  game.result = expected;
+  game.result.endStateChecksum = 78;
+
+  for (int frame = 0; frame < 25; ++frame) {
+    context->runOneFrame(false);
+  }
+  source.frames = {{UICmd::AbandonGame{}}};
+  try {
+    context->runOneFrame(false);
+    FAIL() << "a mismatch was accepted";
+  } catch (std::runtime_error const& error) {
+    EXPECT_STREQ(error.what(), "Result does not match expected result.");
+  }
+  TestLog::close();
+  EXPECT_EQ(logDirectory.read("log.jsonl"),
+            "{\"event\":\"replay_verification\",\"matched\":false,\"end_frame\":40,\"end_state_checksum\":78}\n");
+}
+
+TEST_F(MainLoopContextTest, ReplayingARecordingThatIsntThereIsAClearError) {
+  auto context = create();
+  source.frames = {{UICmd::ReplaySelectedRecording{0}}};
+  try {
+    context->runOneFrame(false);
+    FAIL() << "a replay of nothing started";
+  } catch (std::runtime_error const& error) {
+    EXPECT_STREQ(error.what(), "There is no recording number 0 to replay.");
+  }
+}
+
+TEST_F(MainLoopContextTest, PacedFramesRecordTheirSections) {
+  auto context = create(false);
+  context->runOneFrame(false);
+  context->runOneFrame(false);
+  for (char const* section : {"events", "ui checks/snapshot update", "rendering"}) {
+    ASSERT_TRUE(context->timings.sections.contains(section)) << section;
+    EXPECT_EQ(context->timings.sections.at(section).size(), 50u) << section;
+  }
+  // A frame ends by starting the next one, whose first section is already charged.
+  ASSERT_TRUE(context->timings.sections.contains("start adjust"));
+  EXPECT_EQ(context->timings.sections.at("start adjust").size(), 51u);
+
+  auto unpaced = create(true);
+  unpaced->runOneFrame(false);
+  EXPECT_TRUE(unpaced->timings.sections.empty());
+}

@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <stdexcept>
+
+#include "LobbyRecordsWire.h"
+#include "Recording.h"
+#include "support/Bytes.h"
+#include "support/SampleRecords.h"
+#include "support/TempDirectory.h"
+
+using namespace testbytes;
+
+namespace {
+
+// A recording of three players over four steps, given newest first as the server collects them.
+Recording ThreePlayerRecording() {
+  GameResults results = samples::Results();
+  results.playerSlots = {0, 1, 3};
+  results.playerNames = {"Ada", "Bo", "Cy"};
+  std::deque<Bytes> newestFirst = {
+      Of({0, 0, 0}),
+      Of({1, 'd', 0, 2, 'e', 'f'}),
+      Of({0, 1, 'c', 0}),
+      Of({2, 'a', 'b', 0, 0}),
+  };
+  return Recording(newestFirst, results);
+}
+
+Bytes Header(Bytes const& magic, unsigned long long magicLength, Bytes const& rest) {
+  return Concat({Count(magicLength), magic, rest});
+}
+
+// A whole file: headerSize, header, chunkCount, chunks.
+Bytes File(Bytes const& header, std::vector<Bytes> const& chunks) {
+  Bytes file = Concat({Count(header.size()), header, Count(chunks.size())});
+  for (Bytes const& chunk : chunks) {
+    file = Concat({file, Count(chunk.size()), chunk});
+  }
+  return file;
+}
+
+Bytes ValidHeader() { return Header(Of({'G', 'R', 'U', 'F'}), 4, Concat({Of({1, 0, 0, 0}), Encode(samples::Results())})); }
+
+std::string LoadErrorAt(std::string const& path) {
+  try {
+    Recording const recording(path);
+  } catch (std::runtime_error const& error) {
+    return error.what();
+  }
+  return "loaded";
+}
+
+std::string LoadError(Bytes const& bytes) {
+  TempDirectory directory;
+  return LoadErrorAt(directory.writeBytes("recording1.bin", bytes));
+}
+
+}  // namespace
+
+TEST(Recording, ConstructorStoresUpdatesOldestFirstAndSplitsThem) {
+  Recording const recording = ThreePlayerRecording();
+  ASSERT_EQ(recording.updates.size(), 4u);
+  EXPECT_EQ(recording.updates.front(), Of({2, 'a', 'b', 0, 0}));
+  EXPECT_EQ(recording.players(), 3);
+  EXPECT_EQ(recording.allUpdatesOnFrame(0), (std::vector<Bytes>{{'a', 'b'}, {}, {}}));
+  EXPECT_EQ(recording.allUpdatesOnFrame(2), (std::vector<Bytes>{{'d'}, {}, {'e', 'f'}}));
+  EXPECT_EQ(recording.playerUpdateOnFrame(2, 2), Of({'e', 'f'}));
+  EXPECT_EQ(recording.playerUpdateOnFrame(1, 1), Of({'c'}));
+}
+
+TEST(Recording, PastTheEndEveryPlayerHasNoOrder) {
+  Recording const recording = ThreePlayerRecording();
+  EXPECT_EQ(recording.allUpdatesOnFrame(4), (std::vector<Bytes>(3)));
+  EXPECT_EQ(recording.allUpdatesOnFrame(1000), (std::vector<Bytes>(3)));
+  EXPECT_EQ(recording.playerUpdateOnFrame(4, 0), Bytes{});
+  EXPECT_EQ(recording.playerUpdateOnFrame(0, 5), Bytes{}) << "a seat that the recording doesn't have";
+}
+
+TEST(Recording, SaveThenLoadGivesEqualUpdatesAndResults) {
+  TempDirectory directory;
+  Recording const original = ThreePlayerRecording();
+  std::string const path = directory.file("recording7.bin");
+  original.save(path);
+  Recording const loaded(path);
+  EXPECT_EQ(loaded.updates, original.updates);
+  EXPECT_EQ(loaded.results, original.results);
+
+  // The bytes follow the file format exactly.
+  std::vector<Bytes> chunks(original.updates.begin(), original.updates.end());
+  EXPECT_EQ(directory.readBytes("recording7.bin"),
+            File(Header(Of({'G', 'R', 'U', 'F'}), 4, Concat({Of({1, 0, 0, 0}), Encode(original.results)})), chunks));
+}
+
+TEST(Recording, SavingWhereNoFileCanBeMadeFails) {
+  TempDirectory directory;
+  std::string const path = directory.file("missing/recording1.bin");
+  try {
+    ThreePlayerRecording().save(path);
+    FAIL() << "saved into a missing directory";
+  } catch (std::runtime_error const& error) {
+    EXPECT_EQ(std::string(error.what()), "Failed to save recording: " + path);
+  }
+}
+
+TEST(Recording, ExtraBytesAfterTheResultsInTheHeaderAreIgnored) {
+  Bytes const header = Concat({ValidHeader(), Of({0xAB, 0xCD})});
+  TempDirectory directory;
+  Recording const loaded(directory.writeBytes("r.bin", File(header, {Of({0}), Of({1, 'x'})})));
+  EXPECT_EQ(loaded.results, samples::Results());
+  EXPECT_EQ(loaded.updates, (std::deque<Bytes>{Of({0}), Of({1, 'x'})}));
+}
+
+TEST(Recording, LoadingErrorsInTheirOrder) {
+  TempDirectory directory;
+  std::string const missing = directory.file("recording404.bin");
+  EXPECT_EQ(LoadErrorAt(missing), "Failed to load recording, file does not exist: " + missing);
+  std::filesystem::create_directory(directory.file("recording5.bin"));
+  EXPECT_EQ(LoadErrorAt(directory.file("recording5.bin")).rfind("Failed to load recording, ", 0), 0u)
+      << "a directory of that name exists but is no recording";
+
+  std::string const prefix = "Failed to load recording, ";
+  EXPECT_EQ(LoadError(Of({1, 2, 3, 4, 5, 6, 7})), prefix + "error reading header size");
+  EXPECT_EQ(LoadError(Concat({Count(40), Of({1, 2, 3})})), prefix + "error reading header data");
+  EXPECT_EQ(LoadError(Concat({Count(1ull << 60), Of({1, 2, 3})})), prefix + "error reading header data")
+      << "a huge header size in a short file is a short read, not an allocation";
+  EXPECT_EQ(LoadError(File(Of({4, 0, 0, 0}), {})), prefix + "file is too small");
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U'}), 4, {}), {})), prefix + "file is too small");
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U', 'G'}), 4, Of({1, 0, 0, 0})), {})),
+            prefix + "file is not a recording file");
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U', 'F', 1}), 5, Of({1, 0, 0, 0})), {})),
+            prefix + "file is not a recording file");
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U'}), 3, Of({'F', 1, 0, 0, 0})), {})),
+            prefix + "file is not a recording file");
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U', 'F'}), 4, Of({1, 0, 0})), {})),
+            prefix + "ran out of data while decoding file format version");
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U', 'F'}), 4, Concat({Of({2, 0, 0, 0}), Encode(samples::Results())})), {})),
+            prefix + "file format version is not supported");
+  Bytes results = Encode(samples::Results());
+  results.pop_back();
+  EXPECT_EQ(LoadError(File(Header(Of({'G', 'R', 'U', 'F'}), 4, Concat({Of({1, 0, 0, 0}), results})), {})),
+            prefix + "ran out of data while decoding game results");
+}
+
+TEST(Recording, ChunkErrorsNameTheChunkFromZero) {
+  Bytes const whole = File(ValidHeader(), {Of({1, 'a'}), Of({1, 'b'}), Of({2, 'c', 'd'}), Of({0})});
+  Bytes thirdCut(whole.begin(), whole.end() - 1 - 8 - 2);  // inside the third chunk's bytes
+  EXPECT_EQ(LoadError(thirdCut), "Failed to load recording, error reading chunk 2");
+  Bytes sizeCut(whole.begin(), whole.end() - 1 - 8 - 3 - 4);  // inside the third chunk's size
+  EXPECT_EQ(LoadError(sizeCut), "Failed to load recording, error reading chunk 2");
+  Bytes hugeChunk = Concat({Count(ValidHeader().size()), ValidHeader(), Count(1), Count(1ull << 62), Of({1})});
+  EXPECT_EQ(LoadError(hugeChunk), "Failed to load recording, error reading chunk 0");
+  EXPECT_EQ(LoadError(whole), "loaded");
+}
+
+TEST(Recording, FileThatEndsAfterTheHeaderHasNoSteps) {
+  TempDirectory directory;
+  Bytes const headerOnly = Concat({Count(ValidHeader().size()), ValidHeader()});
+  Recording const recording(directory.writeBytes("recording3.bin", headerOnly));
+  EXPECT_TRUE(recording.updates.empty());
+  EXPECT_EQ(recording.results, samples::Results());
+  EXPECT_EQ(recording.allUpdatesOnFrame(0), std::vector<Bytes>(2));
+
+  // A chunk count cut short counts as no chunks too.
+  Recording const cutCount(directory.writeBytes("recording4.bin", Concat({headerOnly, Of({5, 0, 0})})));
+  EXPECT_TRUE(cutCount.updates.empty());
+}
+
+TEST(Recording, LoadsFromAStreamWithTheSameChecks) {
+  std::stringstream stream;
+  ThreePlayerRecording().save(stream);
+  Recording const loaded(stream);
+  EXPECT_EQ(loaded, ThreePlayerRecording());
+
+  std::istringstream shortStream("1234");
+  EXPECT_THROW(Recording{shortStream}, std::runtime_error);
+}

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# The driver exits non-zero when an expectation fails (1), a wait runs out (1), the program quits before
+# the script's end (1) or the script doesn't parse (2), and always stops by itself.
+set -u
+driver=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
+
+extra=()  # further options of the driver for the next run
+run() {  # expected-status expected-stderr-text script-lines...
+  local expected=$1 text=$2; shift 2
+  printf '%s\n' "$@" >"$work/script.txt"
+  timeout 60 "$driver" --script "$work/script.txt" --log "$work/log.jsonl" "${extra[@]}" >"$work/out.txt" 2>"$work/err.txt"
+  local status=$?
+  if [ "$status" -ne "$expected" ]; then echo "FAIL: status $status, expected $expected for: $*"; cat "$work/err.txt"; exit 1; fi
+  if ! grep -qF -- "$text" "$work/err.txt"; then echo "FAIL: no \"$text\" on stderr for: $*"; cat "$work/err.txt"; exit 1; fi
+  echo "PASS: $* -> $status"
+}
+
+run 1 'Expectation failed at line 2 (expect_mode 4): the mode is 0' 'frames 2' 'expect_mode 4' 'quit'
+grep -q '"passed":false' "$work/log.jsonl" || { echo "FAIL: the log doesn't record the failure"; exit 1; }
+run 1 'still in mode 0 after 30 frames' 'wait_mode 5 30'
+run 1 'the condition didn'"'"'t hold within 3 frames' 'wait_condition "order_applies dig_down 1 1" 3'
+run 1 'The program quit before line 2 of the script.' 'cmd QuitToDesktop' 'frames 1' 'expect_mode 0'
+extra=(--max-frames 20)
+run 1 'Stopped after 20 frames, at line 1' 'frames 1000'
+extra=()
+run 2 'line 2: there is no verb "jump"' 'frames 1' 'jump 3'
+run 2 'usage: cmd SetCredentials PLAYER_ID_HEX SECRET_HEX' 'cmd SetCredentials 00'
+run 2 'line 1: a quoted word isn'"'"'t closed' 'wait_condition "open'

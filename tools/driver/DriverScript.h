@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "UICmd.h"
+
+// A driver script: one step a line. Blank lines and everything after a '#' outside quotes are
+// ignored; a word is a run of non-blanks or a double-quoted string in which \" and \\ stand for
+// themselves. The verbs are listed in VerbTable() and in tools/driver/README.md.
+struct ScriptStep {
+  enum class Kind {
+    Frames,          // run a number of frames without commands
+    Command,         // give a command; consecutive commands go out in the same frame
+    WaitMode,        // wait until the mode is the one given
+    ExpectMode,      // the mode must be the one given now
+    WaitCondition,   // wait until the game's condition holds
+    ExpectCondition, // the game's condition must hold now
+    ExpectGameFrame, // the game's frame counter must be the one given now
+    ExpectTutorial,  // a tutorial level's status and attempts must be the ones given
+    Quit,            // stop here: the script has passed
+  };
+
+  Kind kind = Kind::Frames;
+  int line = 0;                     // in the script file, from 1
+  std::string text;                 // the line as written, for messages
+  long long number = 0;             // frames, mode, frame counter or tutorial level
+  long long second = 0;             // tutorial status
+  long long third = 0;              // tutorial attempts
+  long long limit = 0;              // the frames that a wait may take
+  std::string condition;            // of the condition steps
+  std::optional<UICmd> command;     // of a command step
+};
+
+struct DriverScript {
+  std::vector<ScriptStep> steps;
+};
+
+// One verb of the script language: its name, its argument synopsis and what it means.
+struct ScriptVerb {
+  char const* name;
+  char const* synopsis;
+  char const* meaning;
+};
+std::vector<ScriptVerb> const& VerbTable();
+
+// The frames that a wait may take when the script doesn't say.
+inline constexpr long long kDefaultWaitLimit = 600;
+
+// Splits one line into words; sets error if a quote isn't closed.
+std::vector<std::string> SplitScriptLine(std::string const& line, std::string& error);
+
+// Parses a whole script. On a bad line, returns nothing and sets error to "line N: reason".
+std::optional<DriverScript> ParseDriverScript(std::string const& text, std::string& error);
