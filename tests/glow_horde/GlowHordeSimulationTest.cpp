@@ -56,6 +56,14 @@ Bytes OrderFor(PlayerState const& player, std::size_t place, LemmingActivity act
 
 }  // namespace
 
+TEST(GlowHordeSimulation, WithOnePlayerTheFirstUnitsClockHasRunTheDelayInTheConstructor) {
+  auto simulation = Make("Tutorial 1: dig down", {0}, 0, 15, Settings("Tutorial 1: dig down"));
+  EXPECT_EQ(simulation->frame(), 15u);
+  EXPECT_EQ(simulation->localPlayerState().spawnClock(), 15 * 16666);
+  EXPECT_TRUE(simulation->localPlayerState().lemmings().empty());
+  EXPECT_EQ(simulation->endFrame(), 180u * 1000000u / 16666u);
+}
+
 TEST(GlowHordeSimulation, TheHeadStartRunsOnlyTheLocalPlayersClock) {
   auto simulation = Make("Wrapped Ledges", {0, 1}, 1, 15, Settings("Wrapped Ledges", {{"spawn_interval_deciseconds", 20}}));
   EXPECT_EQ(simulation->frame(), 15u);

@@ -216,3 +216,10 @@ TEST_F(RunningGlowHordeTest, BracketsMarkTheUnitThatAClickUnderThePointerWouldGo
   SDL_DestroySurface(marked);
   EXPECT_GT(changed, 10);
 }
+
+TEST_F(RunningGlowHordeTest, AResultRowReadsAsUnitsOutAndTheirAverageTime) {
+  IGame const& game = games_.refGame(Game::GlowHorde);
+  EXPECT_EQ(game.formatResult({4, -100000}, false), "4 exited in average 25.0 seconds");
+  EXPECT_EQ(game.formatResult({3, -50000}, true), "3 exited in average 16.7 seconds");
+  EXPECT_EQ(game.formatResult({0, 0}, false), "No hordelings exited");
+}
