@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -34,7 +35,18 @@ SDL_Surface* LoadDataImage(char const* file, char const* purpose) {
 }  // namespace
 
 SDL3App::RenderingScope::~RenderingScope() {
-  if (app_ != nullptr) {
+  if (app_ == nullptr) {
+    return;
+  }
+  if (std::uncaught_exceptions() > 0) {
+    // The frame is being left by an exception, maybe inside a window that a page opened: the interface
+    // library closes what was left open as it ends the frame, which must not count as a failed assertion.
+    ImGuiIO& io = ImGui::GetIO();
+    bool const asserting = io.ConfigErrorRecoveryEnableAssert;
+    io.ConfigErrorRecoveryEnableAssert = false;
+    app_->endRendering();
+    io.ConfigErrorRecoveryEnableAssert = asserting;
+  } else {
     app_->endRendering();
   }
 }

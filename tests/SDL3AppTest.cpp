@@ -170,3 +170,18 @@ TEST_F(SDL3AppTest, CursorsAreLoadedByNameAndPutInForce) {
   EXPECT_THROW(app_->loadCursor("no_such_cursor.png", Position{0, 0}, "missing"), std::runtime_error);
   EXPECT_FALSE(app_->hasCursor("missing"));
 }
+
+TEST_F(SDL3AppTest, AFrameLeftByAnExceptionInsideAWindowIsEndedAndTheNextOneWorks) {
+  EXPECT_THROW(
+      {
+        SDL3App::RenderingScope scope = app_->startRendering(RGBColour{});
+        ImGui::Begin("Left open");
+        ImGui::BeginChild("Also left open");
+        EXPECT_TRUE(app_->isRendering());
+        throw std::runtime_error("a page failed");
+      },
+      std::runtime_error);
+  EXPECT_FALSE(app_->isRendering());
+  frameWithWindowAtTopLeft();
+  EXPECT_FALSE(app_->isRendering());
+}
