@@ -3,6 +3,8 @@
 #include <miniaudio.h>
 
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 
 void SoundSystem::SoundDeleter::operator()(ma_sound* sound) const {
   ma_sound_uninit(sound);
@@ -26,6 +28,12 @@ SoundSystem::~SoundSystem() {
 void SoundSystem::preloadSound(char const* file) {
   std::string path = std::string("data/") + file;
   if (!engineReady_ || sounds_.contains(path)) {
+    return;
+  }
+  // miniaudio 0.11.22 reads freed memory when it fails to open a file, so a missing file is never
+  // handed to it. (A file that exists but can't be decoded still goes through that path.)
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) {
     return;
   }
   auto sound = std::make_unique<ma_sound>();

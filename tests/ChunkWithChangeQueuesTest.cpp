@@ -87,6 +87,12 @@ std::uint64_t LocalBaseDigest(ChunkWithChangeQueues const& chunk) {
   return hasher.digest();
 }
 
+std::uint64_t Digest(Chunk const& chunk) {
+  XXHashHasher hasher;
+  chunk.hash(hasher);
+  return hasher.digest();
+}
+
 }  // namespace
 
 TEST(ChunkWithChangeQueues, AddAndRemoveInOneFrameLeaveThePixelEmptyWhoeverMadeThem) {
@@ -226,11 +232,15 @@ TEST_P(ChunkLockstep, EveryClientSeesTheSameTerrainForEachPlayer) {
 
   std::vector<ClientLog> logs;
   std::vector<std::vector<std::uint64_t>> digests(static_cast<std::size_t>(param.players));
+  std::vector<std::vector<std::uint64_t>> baseDigests(static_cast<std::size_t>(param.players));
+  std::vector<std::vector<std::uint64_t>> displayDigests(static_cast<std::size_t>(param.players));
   std::vector<std::vector<std::uint32_t>> finalLocalBases;
   for (int local = 0; local < param.players; ++local) {
     auto client = std::make_unique<CheckedChunk>(terrain, param.players, local, param.delay);
     logs.push_back(testing_support::RunClient(*client, work, local, [&](int) {
       digests[static_cast<std::size_t>(local)].push_back(LocalBaseDigest(client->real));
+      baseDigests[static_cast<std::size_t>(local)].push_back(Digest(client->real.base()));
+      displayDigests[static_cast<std::size_t>(local)].push_back(Digest(client->real.display()));
     }));
     finalLocalBases.push_back(Copy(client->real.localBase()));
     ASSERT_FALSE(HasFailure()) << "client of player " << local << " differs from the plain model";
@@ -244,6 +254,10 @@ TEST_P(ChunkLockstep, EveryClientSeesTheSameTerrainForEachPlayer) {
     }
     EXPECT_EQ(digests[static_cast<std::size_t>(local)], digests[0]);
     EXPECT_EQ(finalLocalBases[static_cast<std::size_t>(local)], finalLocalBases[0]);
+    // base holds every player's updates up to F - 2D on every client, so it agrees too; display
+    // shows each client's own player's pending changes and doesn't.
+    EXPECT_EQ(baseDigests[static_cast<std::size_t>(local)], baseDigests[0]);
+    EXPECT_NE(displayDigests[static_cast<std::size_t>(local)], displayDigests[0]);
   }
 
   // And the answers are the ones the visibility rule gives, with localBase frame by frame.

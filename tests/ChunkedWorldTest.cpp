@@ -259,6 +259,22 @@ TEST_F(ChunkedWorldRender, WrappedWorldNarrowerThanTheScreenCoversEveryColumn) {
   }
 }
 
+TEST_F(ChunkedWorldRender, WrappedWorldShorterThanTheScreenCoversEveryRow) {
+  SaveImage("flat.png", 256, 256, [](int, int y) { return y % 2 == 0 ? 0xFF0000FFu : 0xFFFFFF00u; });
+  MapSettings map = MapOf("flat.png");
+  map.wrapY = map.cameraWrapY = true;
+  SoftwareTarget target(40, 700, 0xFF000000u);
+  ChunkedWorld world(target.renderer(), 1, 0, 1, map);
+  world.render(Camera{0.0f, -77.0f, 1.0f}, 40, 700);
+  target.flush();
+  for (int y = 0; y < 700; ++y) {
+    // Screen row y shows world row 699 - 1 - y + camera y, taken round the world; image row 0 is its top.
+    int const worldRow = ((698 - y - 77) % 256 + 256) % 256;
+    int const imageRow = 255 - worldRow;
+    ASSERT_EQ(target.pixel(20, y), imageRow % 2 == 0 ? 0xFF0000FFu : 0xFFFFFF00u) << "row " << y;
+  }
+}
+
 TEST_F(ChunkedWorldRender, TerrainLinesUpWithSprites) {
   // Sky with a single ground pixel at world (300, 40), drawn at zoom 4: it must fill the screen rectangle
   // that the sprite renderer gives for the world rectangle (300, 40, 1, 1).

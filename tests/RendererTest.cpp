@@ -111,18 +111,6 @@ TEST(RendererGeometry, TileRangesCoverTheViewWithAMarginOnWrappingAxesOnly) {
   EXPECT_EQ(zoomed.lastTileY(), 0);
 }
 
-TEST(RendererGeometry, ScreenRectOfATileShiftsByWholeWorlds) {
-  ScopedDataDirectory directory;
-  SoftwareTarget target(8, 8);
-  TextureCache textures(target.renderer());
-  Renderer renderer(target.renderer(), textures, 640, 480, 300, 200, true, true, Camera{10.0f, 20.0f, 1.5f});
-  SDL_FRect const rect = renderer.screenRect(50.0f, 60.0f, 8.0f, 4.0f, 2, -1);
-  EXPECT_FLOAT_EQ(rect.x, 1.5f * (600.0f + 50.0f - 10.0f));
-  EXPECT_FLOAT_EQ(rect.y, 479.0f - 1.5f * (-200.0f + 60.0f - 20.0f) - 6.0f);
-  EXPECT_FLOAT_EQ(rect.w, 12.0f);
-  EXPECT_FLOAT_EQ(rect.h, 6.0f);
-}
-
 TEST_F(RendererDrawing, EverySpriteCoversItsWorldRectangle) {
   Camera const camera{100.0f, 50.0f, 2.0f};
   Renderer renderer = make(camera);
