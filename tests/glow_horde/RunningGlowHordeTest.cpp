@@ -56,7 +56,9 @@ protected:
     session.render();
     SDL_Surface* pixels = SDL_RenderReadPixels(app_->getRenderer(), nullptr);
     scope.end();
-    return SDL_ConvertSurface(pixels, SDL_PIXELFORMAT_ARGB8888);
+    SDL_Surface* converted = SDL_ConvertSurface(pixels, SDL_PIXELFORMAT_ARGB8888);
+    SDL_DestroySurface(pixels);
+    return converted;
   }
 
   static inline std::shared_ptr<SDL3App> app_;
