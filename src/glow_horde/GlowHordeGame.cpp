@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <stdexcept>
 
 #include "MapDigests.h"
 #include "SchemaEntries.h"
+#include "glow_horde/RunningGlowHorde.h"
 
 namespace {
 
@@ -134,11 +134,13 @@ GlowHordeGame::GlowHordeGame(Private) {
   };
 }
 
-std::unique_ptr<IRunningGame> GlowHordeGame::startSession(std::shared_ptr<SDL3App>, int, unsigned long long,
-                                                          unsigned char, GameSettings const& settings,
-                                                          std::vector<unsigned short> const&, bool) const {
-  mapFor(settings);  // an unknown map fails here first, as it will with a real session
-  throw std::runtime_error("Glow Horde sessions are not available in this build of the client.");
+std::unique_ptr<IRunningGame> GlowHordeGame::startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+                                                          unsigned long long framePeriod, unsigned char delayFrames,
+                                                          GameSettings const& settings,
+                                                          std::vector<unsigned short> const& players, bool) const {
+  MapSettings const map = mapFor(settings);
+  return std::make_unique<RunningGlowHorde>(shared_from_this(), std::move(app), localPlayer, framePeriod, delayFrames,
+                                            settings, map, players);
 }
 
 std::string GlowHordeGame::formatResult(std::vector<long long> const& row, bool) const {

@@ -26,6 +26,14 @@ run 1 'The program quit before line 2 of the script.' 'cmd QuitToDesktop' 'frame
 extra=(--max-frames 20)
 run 1 'Stopped after 20 frames, at line 1' 'frames 1000'
 extra=()
+run 1 'line 1 (expect_result_row 0 1): there is no game' 'expect_result_row 0 1'
+run 1 'not reached within 5 frames: there is no game' 'wait_game_frame 10 5'
+run 1 'not reached within 4 frames: there is no game' 'wait_result_row 0 1 4'
 run 2 'line 2: there is no verb "jump"' 'frames 1' 'jump 3'
+run 2 'usage: expect_result_row ROW MIN [MAX]' 'expect_result_row 0'
+run 2 'MAX must be an integer of at least 3, not "2"' 'expect_result_row 0 3 2'
+extra=(--window 640by360)
+run 2 'The window size must be WIDTHxHEIGHT' 'frames 1'
+extra=()
 run 2 'usage: cmd SetCredentials PLAYER_ID_HEX SECRET_HEX' 'cmd SetCredentials 00'
 run 2 'line 1: a quoted word isn'"'"'t closed' 'wait_condition "open'

@@ -40,6 +40,17 @@ std::string MakeTemporaryStorage() {
   return pattern;
 }
 
+// "WIDTHxHEIGHT", each from 64 to 8192.
+bool ParseWindowSize(std::string const& text, int& width, int& height) {
+  char separator = 0;
+  std::istringstream in(text);
+  std::string rest;
+  if (!(in >> width >> separator >> height) || separator != 'x' || (in >> rest)) {
+    return false;
+  }
+  return width >= 64 && width <= 8192 && height >= 64 && height <= 8192;
+}
+
 void PrintVerbs() {
   for (ScriptVerb const& verb : VerbTable()) {
     std::cout << verb.name << (verb.synopsis[0] != '\0' ? " " : "") << verb.synopsis << "\n    " << verb.meaning
@@ -71,6 +82,9 @@ int main(int argc, char* argv[]) {
       .default_value(100000)
       .scan<'i', int>()
       .help("Stop with a failure after this many frames");
+  parser.add_argument("--window")
+      .default_value(std::string("1280x720"))
+      .help("Size of the window, WIDTHxHEIGHT; a smaller one draws faster in long headless runs");
   parser.add_argument("--list-verbs").flag().help("Print the script language and exit");
   try {
     parser.parse_args(argc, argv);
@@ -87,6 +101,13 @@ int main(int argc, char* argv[]) {
   std::string const logPath = Absolute(parser.get<std::string>("--log"));
   std::string storage = Absolute(parser.get<std::string>("--storage"));
   int const maxFrames = parser.get<int>("--max-frames");
+  int windowWidth = 0;
+  int windowHeight = 0;
+  if (!ParseWindowSize(parser.get<std::string>("--window"), windowWidth, windowHeight)) {
+    std::cerr << "The window size must be WIDTHxHEIGHT, each from 64 to 8192, not \"" << parser.get<std::string>("--window")
+              << "\".\n" << parser.usage() << std::endl;
+    return kUsage;
+  }
   if (scriptPath.empty()) {
     std::cerr << "A script is needed: --script FILE.\n" << parser.usage() << std::endl;
     return kUsage;
@@ -124,7 +145,7 @@ int main(int argc, char* argv[]) {
   std::string reason;
   long long frames = 0;
   try {
-    auto app = std::make_shared<SDL3App>(1280, 720, true);
+    auto app = std::make_shared<SDL3App>(windowWidth, windowHeight, true);
     SetInterfaceStyle();
     std::unique_ptr<MainLoopContext> context =
         MainLoopContext::Create(app, "127.0.0.1", 6567, storage, "", &source, true);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <functional>
+#include <limits>
 #include <sstream>
 #include <unordered_map>
 
@@ -91,6 +92,41 @@ std::vector<Verb> const& Verbs() {
        [](Words const& w, ScriptStep& s) {
          s.kind = ScriptStep::Kind::ExpectGameFrame;
          s.number = Number(w[0], "N", 0);
+       }},
+      {{"wait_game_frame", "N [LIMIT]",
+        "Waits until the game's frame counter is at least N; fails after LIMIT frames (default 600). Outside "
+        "a game the counter is 0."},
+       1, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitGameFrame;
+         s.number = Number(w[0], "N", 0);
+         s.limit = w.size() > 1 ? Number(w[1], "LIMIT", 0) : kDefaultWaitLimit;
+       }},
+      {{"wait_game_end", "[LIMIT]", "Waits until the running game has ended; fails after LIMIT frames (default 600)."},
+       0, 1,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitGameEnd;
+         s.limit = !w.empty() ? Number(w[0], "LIMIT", 0) : kDefaultWaitLimit;
+       }},
+      {{"wait_result_row", "ROW MIN [LIMIT]",
+        "Waits until the first value of row ROW of the running game's current result (in Glow Horde the "
+        "units of that team out) is at least MIN; fails after LIMIT frames (default 600)."},
+       2, 3,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitResultRow;
+         s.number = Number(w[0], "ROW", 0);
+         s.second = Number(w[1], "MIN", 0);
+         s.limit = w.size() > 2 ? Number(w[2], "LIMIT", 0) : kDefaultWaitLimit;
+       }},
+      {{"expect_result_row", "ROW MIN [MAX]",
+        "Fails unless the running game's current result has a row ROW whose first value (in Glow Horde the "
+        "units of that team out) is at least MIN and, if MAX is given, at most MAX."},
+       2, 3,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::ExpectResultRow;
+         s.number = Number(w[0], "ROW", 0);
+         s.second = Number(w[1], "MIN", 0);
+         s.third = w.size() > 2 ? Number(w[2], "MAX", s.second) : std::numeric_limits<long long>::max();
        }},
       {{"expect_tutorial", "LEVEL STATUS ATTEMPTS",
         "Fails unless the tutorial level has the status (0 to do, 1 skipped, 2 completed) and the number "

@@ -19,6 +19,10 @@ struct ScriptStep {
     WaitCondition,   // wait until the game's condition holds
     ExpectCondition, // the game's condition must hold now
     ExpectGameFrame, // the game's frame counter must be the one given now
+    WaitGameFrame,   // wait until the game's frame counter reaches the one given
+    WaitGameEnd,     // wait until the game has ended
+    WaitResultRow,   // wait until the first value of a result row reaches a minimum
+    ExpectResultRow, // the first value of a result row must lie in a range now
     ExpectTutorial,  // a tutorial level's status and attempts must be the ones given
     Quit,            // stop here: the script has passed
   };
@@ -26,9 +30,9 @@ struct ScriptStep {
   Kind kind = Kind::Frames;
   int line = 0;                     // in the script file, from 1
   std::string text;                 // the line as written, for messages
-  long long number = 0;             // frames, mode, frame counter or tutorial level
-  long long second = 0;             // tutorial status
-  long long third = 0;              // tutorial attempts
+  long long number = 0;             // frames, mode, frame counter, tutorial level or result row
+  long long second = 0;             // tutorial status, or the least first value of a result row
+  long long third = 0;              // tutorial attempts, or the greatest first value of a result row
   long long limit = 0;              // the frames that a wait may take
   std::string condition;            // of the condition steps
   std::optional<UICmd> command;     // of a command step

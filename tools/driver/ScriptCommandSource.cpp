@@ -2,8 +2,40 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+#include <string>
+
+#include "GameResult.h"
 #include "IAppState.h"
 #include "TutorialProgress.h"
+
+namespace {
+
+// The first value of a row of the running game's current result, if there is a game with that row.
+std::optional<long long> ResultRowValue(IAppState const& state, long long row) {
+  if (!state.isInGame()) {
+    return std::nullopt;
+  }
+  GameResult result;
+  state.getCurrentGameResult(result);
+  if (row < 0 || static_cast<std::size_t>(row) >= result.results.size() || result.results[static_cast<std::size_t>(row)].empty()) {
+    return std::nullopt;
+  }
+  return result.results[static_cast<std::size_t>(row)].front();
+}
+
+// What a failed game step saw: the frame, whether the game has ended, and the result row.
+std::string DescribeGame(IAppState const& state, long long row) {
+  if (!state.isInGame()) {
+    return "there is no game";
+  }
+  std::optional<long long> const value = ResultRowValue(state, row);
+  return fmt::format("at game frame {}{}, {}", state.gameFrame(), state.isGameEnded() ? " (ended)" : "",
+                     value.has_value() ? fmt::format("row {} starts with {}", row, *value)
+                                       : fmt::format("the result has no row {}", row));
+}
+
+}  // namespace
 
 ScriptCommandSource::ScriptCommandSource(DriverScript script) : script_(std::move(script)) {}
 
@@ -84,6 +116,41 @@ void ScriptCommandSource::fillCommands(IAppState const& state, std::vector<UICmd
       }
       ++next_;
       break;
+
+    case Kind::WaitGameFrame:
+    case Kind::WaitGameEnd:
+    case Kind::WaitResultRow: {
+      bool reached = false;
+      if (step.kind == Kind::WaitGameFrame) {
+        reached = state.gameFrame() >= static_cast<unsigned long long>(step.number);
+      } else if (step.kind == Kind::WaitGameEnd) {
+        reached = state.isGameEnded();
+      } else {
+        std::optional<long long> const value = ResultRowValue(state, step.number);
+        reached = value.has_value() && *value >= step.second;
+      }
+      if (reached) {
+        stepFrames_ = 0;
+        ++next_;
+        break;
+      }
+      if (stepFrames_ >= step.limit) {
+        fail(step, fmt::format("not reached within {} frames: {}", step.limit, DescribeGame(state, step.number)));
+        return;
+      }
+      ++stepFrames_;
+      return;
+    }
+
+    case Kind::ExpectResultRow: {
+      std::optional<long long> const value = ResultRowValue(state, step.number);
+      if (!value.has_value() || *value < step.second || *value > step.third) {
+        fail(step, DescribeGame(state, step.number));
+        return;
+      }
+      ++next_;
+      break;
+    }
 
     case Kind::ExpectTutorial: {
       TutorialProgress const* progress = state.offlineData().tutorialProgress;

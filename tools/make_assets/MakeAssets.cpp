@@ -32,18 +32,14 @@ struct Options {
   std::string previewDir;  // empty: no previews
   std::string fontPath = TANDEM_BANNER_FONT;
   std::set<std::string> only;  // empty: everything
-  bool check = false;          // play the tutorial levels with the unit model instead of writing files
-  int traceEvery = 0;          // with --check: log the units every so many frames
 };
 
 void PrintUsage() {
   std::puts(
       "Usage: make_assets [--data DIR] [--digests FILE] [--previews DIR] [--font FILE] [FILE...]\n"
-      "       make_assets --check\n"
       "Writes the images and sounds of the data directory (default: the source tree's data/) and the\n"
       "map digests header. Naming files writes only those. --previews writes upright renderings of the\n"
-      "maps, with starts and exits marked, into DIR. --check plays each tutorial level with the unit\n"
-      "model, with its intended solution and with no orders, and fails if either comes out wrong.");
+      "maps, with starts and exits marked, into DIR.");
 }
 
 Options ParseOptions(int argc, char** argv) {
@@ -64,10 +60,6 @@ Options ParseOptions(int argc, char** argv) {
       options.previewDir = value();
     } else if (arg == "--font") {
       options.fontPath = value();
-    } else if (arg == "--check") {
-      options.check = true;
-    } else if (arg == "--trace") {
-      options.traceEvery = std::stoi(value());
     } else if (arg == "--help" || arg == "-h") {
       PrintUsage();
       std::exit(0);
@@ -81,26 +73,6 @@ Options ParseOptions(int argc, char** argv) {
 }
 
 }  // namespace
-
-int RunChecks(int traceEvery) {
-  int failures = 0;
-  for (TutorialCheck check : TutorialChecks()) {
-    check.setup.traceEvery = traceEvery;
-    SimResult const result = Simulate(check.setup);
-    bool const ok = result.exited >= check.minimumExited && result.exited <= check.maximumExited;
-    std::cout << (ok ? "ok      " : "FAILED  ") << check.name << ": " << result.exited << " of " << check.setup.units
-              << " exited";
-    if (!result.exitFrames.empty()) {
-      std::cout << ", first at frame " << result.exitFrames.front() << ", last at frame " << result.exitFrames.back();
-    }
-    std::cout << std::endl;
-    for (std::string const& line : result.log) {
-      std::cout << "          " << line << std::endl;
-    }
-    failures += ok ? 0 : 1;
-  }
-  return failures == 0 ? 0 : 1;
-}
 
 // The catalogue entry that shows a map image best in a preview.
 MapSettings PreviewSettings(std::string const& file) {
@@ -121,9 +93,6 @@ MapSettings PreviewSettings(std::string const& file) {
 int main(int argc, char** argv) {
   try {
     Options const options = ParseOptions(argc, argv);
-    if (options.check) {
-      return RunChecks(options.traceEvery);
-    }
     if (!SDL_Init(0)) {
       throw std::runtime_error(std::string("Failed to initialise SDL: ") + SDL_GetError());
     }

@@ -83,18 +83,3 @@ Canvas PaintMap(MapLayout const& layout, TerrainTheme const& theme) {
   }
   return image;
 }
-
-SimTerrain ToSimTerrain(MapLayout const& layout, bool wrapX, bool wrapY) {
-  SimTerrain terrain;
-  terrain.width = layout.width();
-  terrain.height = layout.height();
-  terrain.wrapX = wrapX;
-  terrain.wrapY = wrapY;
-  terrain.cells.resize(static_cast<std::size_t>(terrain.width) * terrain.height);
-  for (int y = 0; y < terrain.height; ++y) {
-    for (int x = 0; x < terrain.width; ++x) {
-      terrain.cells[static_cast<std::size_t>(y) * terrain.width + x] = static_cast<std::uint8_t>(layout.at(x, y));
-    }
-  }
-  return terrain;
-}

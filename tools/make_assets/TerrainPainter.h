@@ -4,7 +4,6 @@
 
 #include "Canvas.h"
 #include "MapLayout.h"
-#include "UnitSimulator.h"
 
 // The colours of a map's terrain.
 struct TerrainTheme {
@@ -23,6 +22,3 @@ float ValueNoise(float x, float y, float cell, std::uint64_t seed);
 // The map image: ground textured with alpha 254, rock veined with alpha 255, and where the terrain is
 // open the scenery with its alpha held below 254, so that it never counts as ground.
 Canvas PaintMap(MapLayout const& layout, TerrainTheme const& theme);
-
-// The terrain as the unit model sees it.
-SimTerrain ToSimTerrain(MapLayout const& layout, bool wrapX, bool wrapY);

@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "glow_horde/ActivityAvailabilities.h"
+#include "glow_horde/Order.h"
+
+TEST(OrderBytes, EncodingIsSevenLittleEndianBytesInFieldOrder) {
+  Order order;
+  order.index_in_array_ = 0x0102;
+  order.id_ = 0xA0B0;
+  order.activity_ = LemmingActivity::DigUpwards;
+  order.trigger_ = LemmingActivityTrigger::AfterTurning;
+  std::vector<unsigned char> const expected = {0x02, 0x01, 0xB0, 0xA0, 0x06, 0x00, 0x03};
+  EXPECT_EQ(order.toBytes(), expected);
+  EXPECT_EQ(Order::decode(expected), order);
+}
+
+TEST(OrderBytes, AnythingButSevenBytesOfKnownValuesIsNoOrder) {
+  std::vector<unsigned char> const good = {0x05, 0x00, 0x07, 0x00, 0x04, 0x00, 0x02};
+  ASSERT_TRUE(Order::decode(good).has_value());
+  EXPECT_EQ(Order::decode(good)->index_in_array_, 5);
+  EXPECT_EQ(Order::decode(good)->activity_, LemmingActivity::DigDown);
+  EXPECT_EQ(Order::decode(good)->trigger_, LemmingActivityTrigger::BeforeFalling);
+
+  EXPECT_FALSE(Order::decode({}).has_value());
+  for (std::size_t size = 1; size < 7; ++size) {
+    std::vector<unsigned char> const shorter(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
+    EXPECT_FALSE(Order::decode(shorter).has_value()) << size;
+  }
+  std::vector<unsigned char> longer = good;
+  longer.push_back(0);
+  EXPECT_FALSE(Order::decode(longer).has_value());
+
+  std::vector<unsigned char> badActivity = good;
+  badActivity[4] = 7;
+  EXPECT_FALSE(Order::decode(badActivity).has_value());
+  badActivity[4] = 0;
+  badActivity[5] = 1; // activity 256
+  EXPECT_FALSE(Order::decode(badActivity).has_value());
+  std::vector<unsigned char> badTrigger = good;
+  badTrigger[6] = 4;
+  EXPECT_FALSE(Order::decode(badTrigger).has_value());
+}
+
+TEST(OrderBytes, RandomBytesDecodeSafelyAndValidOnesRoundTrip) {
+  std::mt19937 random(1234);
+  std::uniform_int_distribution<int> byte(0, 255);
+  std::uniform_int_distribution<int> length(0, 12);
+  int decoded = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::vector<unsigned char> bytes(static_cast<std::size_t>(length(random)));
+    for (auto& b : bytes) {
+      b = static_cast<unsigned char>(byte(random));
+    }
+    if (i % 2 == 0 && bytes.size() == 7) { // keep plenty of decodable ones
+      bytes[4] %= 7;
+      bytes[5] = 0;
+      bytes[6] %= 4;
+    }
+    auto const order = Order::decode(bytes);
+    bool const valid = bytes.size() == 7 && bytes[5] == 0 && bytes[4] < 7 && bytes[6] < 4;
+    ASSERT_EQ(order.has_value(), valid);
+    if (order) {
+      ++decoded;
+      EXPECT_EQ(order->toBytes(), bytes);
+    }
+  }
+  EXPECT_GT(decoded, 100);
+}
+
+TEST(ActivityAvailabilities, HashedDataIsSevenFourByteCountsInActivityOrder) {
+  ActivityAvailabilities availabilities;
+  availabilities[LemmingActivity::Bridge] = 13;
+  availabilities[LemmingActivity::DigUpwards] = -2;
+  availabilities[LemmingActivity::Block] = 0x01020304;
+  std::vector<unsigned char> out;
+  availabilities.serialiseHashedData(out);
+  std::vector<unsigned char> const expected = {
+      13, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 3, 2, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF,
+  };
+  EXPECT_EQ(out, expected);
+}

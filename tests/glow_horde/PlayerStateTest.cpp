@@ -1,0 +1,485 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "XXHashHasher.h"
+#include "glow_horde/ChunkedTestWorld.h"
+#include "glow_horde/GridWorld.h"
+#include "glow_horde/PlayerState.h"
+
+namespace {
+
+using A = LemmingActivity;
+using T = LemmingActivityTrigger;
+using Cell = GridWorld::Cell;
+
+PlayerState::Setup BasicSetup() {
+  PlayerState::Setup setup;
+  setup.index = 0;
+  setup.spawn = {0, 0};
+  setup.toSpawn = 0;
+  setup.spawnInterval = 2'000'000;
+  setup.framePeriod = 16'666;
+  setup.colour = {0, 255, 127, 255};
+  setup.availabilities.counts = {5, 5, 5, 5, 5, 5, 5};
+  setup.worldWidth = 1024;
+  setup.worldHeight = 1024;
+  return setup;
+}
+
+std::vector<int> Ids(PlayerState const& state) {
+  std::vector<int> ids;
+  for (Lemming const& lemming : state.lemmings()) {
+    ids.push_back(lemming.id());
+  }
+  return ids;
+}
+
+std::uint16_t IndexOfId(PlayerState const& state, int id) {
+  auto const& list = state.lemmings();
+  auto const it = std::find_if(list.begin(), list.end(), [&](Lemming const& l) { return l.id() == id; });
+  return static_cast<std::uint16_t>(it - list.begin());
+}
+
+Order OrderFor(PlayerState const& state, int id, A activity, T trigger) {
+  Order order;
+  order.index_in_array_ = IndexOfId(state, id);
+  order.id_ = static_cast<std::uint16_t>(id);
+  order.activity_ = activity;
+  order.trigger_ = trigger;
+  return order;
+}
+
+UIOrder Click(int x, int y, A activity, T trigger, DirectionFilter filter = DirectionFilter::Any) {
+  return UIOrder{x, y, activity, trigger, filter};
+}
+
+std::uint32_t FloorPixel(int, int y) {
+  return y <= 1 ? k_testGround : k_testSky;
+}
+
+} // namespace
+
+// --- Stepping order, crowds and spawning ---
+
+TEST(PlayerStateUpdate, SortsBusyUnitsFirstThenLeftBeforeRightAndACrowdLeavesOnePerFrame) {
+  auto world = BuildChunkedWorld({.pixel = FloorPixel});
+  PlayerState state(BasicSetup());
+  for (int i = 0; i < 5; ++i) {
+    state.createLemming(10, 2, true); // ids 0 to 4, one spot, one facing
+  }
+  state.createLemming(50, 2, false); // id 5
+  state.createLemming(50, 2, true);  // id 6: same spot, other facing
+  auto frame = [&] {
+    state.update(*world);
+    world->frameAdvance();
+  };
+  auto crowdXs = [&] {
+    std::vector<int> xs;
+    for (Lemming const& lemming : state.lemmings()) {
+      if (lemming.id() < 5) {
+        xs.push_back(lemming.position().x);
+      }
+    }
+    std::sort(xs.rbegin(), xs.rend());
+    return xs;
+  };
+
+  frame(); // all were falling, so all step and land together
+  EXPECT_EQ(crowdXs(), (std::vector<int>{11, 11, 11, 11, 11}));
+
+  frame();
+  EXPECT_EQ(Ids(state), (std::vector<int>{5, 0, 1, 2, 3, 4, 6}));
+  EXPECT_EQ(crowdXs(), (std::vector<int>{12, 11, 11, 11, 11}));
+
+  state.giveOrder(OrderFor(state, 6, A::Block, T::Immediate));
+  frame();
+  EXPECT_EQ(Ids(state), (std::vector<int>{6, 5, 1, 2, 3, 4, 0}));
+  EXPECT_EQ(crowdXs(), (std::vector<int>{13, 12, 11, 11, 11}));
+
+  frame();
+  EXPECT_EQ(crowdXs(), (std::vector<int>{14, 13, 12, 11, 11}));
+  frame();
+  EXPECT_EQ(crowdXs(), (std::vector<int>{15, 14, 13, 12, 11}));
+  frame();
+  EXPECT_EQ(crowdXs(), (std::vector<int>{16, 15, 14, 13, 12}));
+
+  EXPECT_EQ(state.lemmings()[IndexOfId(state, 5)].position(), (Position{44, 2}));
+
+  // Two walkers on one spot facing different ways aren't a crowd: in a one-pixel pit both turn
+  // every frame, so they keep facing opposite ways.
+  GridWorld pit(20, 16);
+  pit.fill(0, 0, 19, 1, Cell::Ground);
+  pit.fill(9, 2, 9, 10, Cell::Ground);
+  pit.fill(11, 2, 11, 10, Cell::Ground);
+  PlayerState pair(BasicSetup());
+  pair.createLemming(10, 2, false);
+  pair.createLemming(10, 2, true);
+  for (int i = 0; i < 4; ++i) {
+    pair.update(pit);
+    pit.endFrame();
+    ASSERT_NE(pair.lemmings()[0].facingRight(), pair.lemmings()[1].facingRight()) << "frame " << i + 1;
+    EXPECT_EQ(pair.lemmings()[0].position(), pair.lemmings()[1].position());
+  }
+}
+
+TEST(PlayerStateUpdate, SpawnsOnGameTimeWithTheRemainderCarriedOver) {
+  GridWorld world(16, 256);
+  world.fill(0, 0, 15, 1, Cell::Ground);
+  PlayerState::Setup setup = BasicSetup();
+  setup.spawn = {5, 200};
+  setup.toSpawn = 3;
+  setup.nextFacingRight = false;
+  PlayerState state(setup);
+
+  auto updates = [&](int count) {
+    for (int i = 0; i < count; ++i) {
+      state.update(world);
+      world.endFrame();
+    }
+  };
+  updates(120);
+  EXPECT_TRUE(state.lemmings().empty());
+  updates(1); // the 121st
+  ASSERT_EQ(state.lemmings().size(), 1u);
+  EXPECT_EQ(state.lemmings()[0].position(), (Position{5, 200})) << "appears after the units have stepped";
+  EXPECT_FALSE(state.lemmings()[0].facingRight());
+  EXPECT_TRUE(state.lemmings()[0].inAir());
+  EXPECT_EQ(state.spawnClock(), 121 * 16'666 - 2'000'000);
+  EXPECT_EQ(state.toSpawn(), 2);
+
+  updates(119);
+  EXPECT_EQ(state.lemmings().size(), 1u);
+  updates(1); // 120 after the first
+  ASSERT_EQ(state.lemmings().size(), 2u);
+  EXPECT_EQ(state.lemmings()[1].id(), 1);
+  EXPECT_TRUE(state.lemmings()[1].facingRight()) << "directions alternate";
+
+  updates(120);
+  EXPECT_EQ(state.lemmings().size(), 3u);
+  EXPECT_EQ(state.toSpawn(), 0);
+  std::int64_t const clock = state.spawnClock();
+  updates(500);
+  EXPECT_EQ(state.lemmings().size(), 3u);
+  EXPECT_EQ(state.spawnClock(), clock) << "the clock stops with nothing left to spawn";
+
+  // Reaching the interval exactly isn't enough: it must be passed.
+  setup.spawnInterval = 100;
+  setup.framePeriod = 50;
+  PlayerState exact(setup);
+  exact.update(world);
+  exact.update(world);
+  EXPECT_TRUE(exact.lemmings().empty());
+  exact.update(world);
+  EXPECT_EQ(exact.lemmings().size(), 1u);
+  EXPECT_EQ(exact.spawnClock(), 50);
+}
+
+// --- Choosing a unit ---
+
+TEST(PlayerStateClosestTo, DirectionFilterAndThe150PixelLimit) {
+  PlayerState state(BasicSetup());
+  state.createLemming(100, 100, true);  // index 0
+  state.createLemming(190, 100, false); // index 1, 90 away
+  auto closest = [&](int x, int y, DirectionFilter filter) { return state.closestTo(x, y, filter, T::BeforeFalling); };
+  EXPECT_EQ(closest(100, 100, DirectionFilter::Any), 0);
+  EXPECT_EQ(closest(100, 100, DirectionFilter::FacingRight), 0);
+  EXPECT_EQ(closest(100, 100, DirectionFilter::FacingLeft), 1);
+  EXPECT_EQ(closest(40, 100, DirectionFilter::FacingLeft), 1) << "exactly 150 qualifies";
+  EXPECT_FALSE(closest(39, 100, DirectionFilter::FacingLeft).has_value());
+  EXPECT_EQ(closest(100, -20, DirectionFilter::FacingLeft), 1) << "90 across and 120 down is 150";
+  EXPECT_FALSE(closest(100, -21, DirectionFilter::FacingLeft).has_value());
+
+  PlayerState empty(BasicSetup());
+  EXPECT_FALSE(empty.closestTo(0, 0, DirectionFilter::Any, T::BeforeFalling).has_value());
+}
+
+TEST(PlayerStateClosestTo, DistanceWrapsOnlyOnTheCameraWrappingAxes) {
+  PlayerState::Setup setup = BasicSetup();
+  setup.cameraWrapX = true;
+  PlayerState wrapsX(setup);
+  wrapsX.createLemming(1020, 500, true);
+  wrapsX.createLemming(500, 1020, true);
+  EXPECT_EQ(wrapsX.closestTo(5, 500, DirectionFilter::Any, T::BeforeFalling), 0);
+  EXPECT_FALSE(wrapsX.closestTo(500, 3, DirectionFilter::Any, T::BeforeFalling).has_value());
+
+  setup.cameraWrapX = false;
+  setup.cameraWrapY = true;
+  PlayerState wrapsY(setup);
+  wrapsY.createLemming(1020, 500, true);
+  wrapsY.createLemming(500, 1020, true);
+  EXPECT_FALSE(wrapsY.closestTo(5, 500, DirectionFilter::Any, T::BeforeFalling).has_value());
+  EXPECT_EQ(wrapsY.closestTo(500, 3, DirectionFilter::Any, T::BeforeFalling), 1);
+}
+
+TEST(PlayerStateClosestTo, FallingUnitsRefusedForImmediateOnlyAndTiesGoToTheLowerIndex) {
+  GridWorld world(256, 128);
+  world.fill(0, 0, 255, 1, Cell::Ground);
+  PlayerState state(BasicSetup());
+  state.createLemming(100, 2, true);   // lands and walks to (101, 2)
+  state.createLemming(100, 60, true);  // falls to (100, 59)
+  state.update(world);
+  world.endFrame();
+  auto const immediate = state.closestTo(100, 59, DirectionFilter::Any, T::Immediate);
+  ASSERT_TRUE(immediate.has_value());
+  EXPECT_EQ(state.lemmings()[*immediate].position(), (Position{101, 2}));
+  auto const waiting = state.closestTo(100, 59, DirectionFilter::Any, T::BeforeFalling);
+  ASSERT_TRUE(waiting.has_value());
+  EXPECT_EQ(state.lemmings()[*waiting].position(), (Position{100, 59}));
+
+  // Equal distances: the earlier place in the list wins, which after a sort needn't be the lower id.
+  PlayerState tie(BasicSetup());
+  tie.createLemming(110, 100, true); // id 0
+  tie.createLemming(90, 100, false); // id 1, sorted first: facing left
+  GridWorld open(256, 256);
+  tie.update(open);
+  ASSERT_EQ(Ids(tie), (std::vector<int>{1, 0}));
+  EXPECT_EQ(tie.closestTo(100, 99, DirectionFilter::Any, T::BeforeFalling), 0);
+}
+
+// --- Resolving and giving orders ---
+
+TEST(PlayerStateOrders, NoUnitsMeansNoPreviewAndNoOrder) {
+  PlayerState state(BasicSetup());
+  UIOrder const click = Click(10, 10, A::Bridge, T::BeforeFalling);
+  EXPECT_FALSE(state.previewUnitSelectionForOrder(click).has_value());
+  EXPECT_FALSE(state.resolveUIOrder(click).has_value());
+
+  state.createLemming(500, 500, true);
+  EXPECT_FALSE(state.resolveUIOrder(click).has_value()) << "nobody within reach";
+}
+
+TEST(PlayerStateOrders, ResolvedOrdersNameTheUnitAndAreRefusedWhenNoneAreLeft) {
+  PlayerState::Setup setup = BasicSetup();
+  setup.availabilities.counts = {0, 0, 0, 0, 2, 0, 0};
+  PlayerState state(setup);
+  state.createLemming(100, 100, true);
+  state.createLemming(130, 100, true);
+
+  UIOrder const bridge = Click(125, 100, A::Bridge, T::BeforeFalling);
+  EXPECT_FALSE(state.previewUnitSelectionForOrder(bridge).has_value()) << "none left, no preview";
+  auto const refused = state.resolveUIOrder(bridge);
+  ASSERT_TRUE(refused.has_value()) << "resolved regardless: every client refuses it alike";
+  EXPECT_EQ(refused->index_in_array_, 1);
+  EXPECT_EQ(refused->id_, 1);
+  EXPECT_FALSE(state.giveOrder(*refused));
+  EXPECT_FALSE(state.lemmings()[1].activity().has_value());
+  EXPECT_EQ(state.availabilities()[A::Bridge], 0);
+
+  UIOrder const dig = Click(125, 100, A::DigDown, T::WhenBlocked);
+  EXPECT_EQ(state.previewUnitSelectionForOrder(dig), (Position{130, 100}));
+  auto const order = state.resolveUIOrder(dig);
+  ASSERT_TRUE(order.has_value());
+  EXPECT_EQ(*order, (Order{1, 1, A::DigDown, T::WhenBlocked}));
+  EXPECT_TRUE(state.giveOrder(*order));
+  EXPECT_EQ(state.availabilities()[A::DigDown], 1);
+  EXPECT_EQ(state.lemmings()[1].activity(), A::DigDown);
+  EXPECT_EQ(state.lemmings()[1].trigger(), T::WhenBlocked);
+
+  // Replacing an order is paid for again, and nothing is given back.
+  EXPECT_TRUE(state.giveOrder(Order{1, 1, A::DigDown, T::AfterTurning}));
+  EXPECT_EQ(state.availabilities()[A::DigDown], 0);
+  EXPECT_FALSE(state.giveOrder(Order{0, 0, A::DigDown, T::Immediate}));
+  EXPECT_FALSE(state.lemmings()[0].activity().has_value());
+  EXPECT_EQ(state.lemmings()[1].trigger(), T::AfterTurning);
+}
+
+TEST(PlayerStateOrdersDeathTest, AnOrderForAnotherListStopsTheProgramWithItsCheck) {
+  PlayerState state(BasicSetup());
+  state.createLemming(100, 100, true);
+  state.createLemming(110, 100, true);
+  EXPECT_DEATH(state.giveOrder(Order{2, 2, A::Block, T::Immediate}), "order\\.index_in_array_ < lemmings_\\.size\\(\\)");
+  EXPECT_DEATH(state.giveOrder(Order{1, 0, A::Block, T::Immediate}), "lem\\.id\\(\\) == order\\.id_");
+}
+
+// --- Exits ---
+
+TEST(PlayerStateExit, RemovesWithinTheRadiusAcrossAWrappedSeamKeepingTheOrder) {
+  for (bool wrapX : {true, false}) {
+    auto world = BuildChunkedWorld({.wrapX = wrapX, .pixel = FloorPixel});
+    PlayerState state(BasicSetup());
+    state.createLemming(2, 100, true);   // id 0: 4 across the seam
+    state.createLemming(128, 100, true); // id 1
+    state.createLemming(224, 100, true); // id 2: exactly 30
+    state.createLemming(223, 100, true); // id 3: 31
+    state.createLemming(250, 120, true); // id 4: 4 and 20
+    int const removed = state.removeAtExit(*world, Position{254, 100}, 30);
+    if (wrapX) {
+      EXPECT_EQ(removed, 3);
+      EXPECT_EQ(Ids(state), (std::vector<int>{1, 3}));
+    } else {
+      EXPECT_EQ(removed, 2);
+      EXPECT_EQ(Ids(state), (std::vector<int>{0, 1, 3}));
+    }
+  }
+}
+
+// --- Hashing ---
+
+TEST(PlayerStateHash, BytesAreExactAndTheDigestIsOfTheSameBytes) {
+  PlayerState::Setup setup = BasicSetup();
+  setup.index = 1;
+  setup.spawn = {16, -1};
+  setup.toSpawn = 5;
+  setup.spawnInterval = 1'000'000'000;
+  setup.nextFacingRight = true;
+  setup.availabilities.counts = {13, 13, 2, 3, 5, 2, 258};
+  PlayerState state(setup);
+  state.createLemming(3, 4, false);
+  GridWorld open(16, 16);
+  state.update(open); // the unit falls a pixel, the clock runs one frame
+
+  std::vector<unsigned char> const expected = {
+      0x01, 0x00, 0x00, 0x00,                         // index
+      0x10, 0x00, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, // spawn
+      0x05, 0x00, 0x00, 0x00,                         // toSpawn
+      0x1A, 0x41, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, // spawnClock = 16666
+      0x01,                                           // nextFacingRight
+      0x00, 0xFF, 0x7F, 0xFF,                         // colour
+      // the unit: id, x, y, facing, no activity, timers, in the air
+      0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+      0x00, 0x00, 0x01,
+      // availabilities
+      0x0D, 0x00, 0x00, 0x00, 0x0D, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x05, 0x00,
+      0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x02, 0x01, 0x00, 0x00,
+  };
+  std::vector<unsigned char> bytes;
+  state.serialiseHashedData(bytes);
+  EXPECT_EQ(bytes, expected);
+
+  XXHashHasher streamed;
+  state.hash(streamed);
+  XXHashHasher whole;
+  whole.update(bytes.data(), bytes.size());
+  EXPECT_EQ(streamed.digest(), whole.digest());
+
+  // The spawn interval and frame period are settings, not state: not in the digest.
+  PlayerState::Setup other = setup;
+  other.spawnInterval = 7;
+  other.framePeriod = 9;
+  std::vector<unsigned char> a;
+  std::vector<unsigned char> b;
+  PlayerState(setup).serialiseHashedData(a);
+  PlayerState(other).serialiseHashedData(b);
+  EXPECT_EQ(a, b);
+}
+
+// --- Two clients side by side ---
+
+namespace {
+
+// Steps one client the way a session does: on client c in frame F the local player runs its update F
+// and the other players their update F - D, each order given just before the update it belongs to.
+struct Client {
+  std::unique_ptr<ChunkedWorld> world;
+  std::vector<PlayerState> players;
+  int local = 0;
+};
+
+struct ScriptedClick {
+  int player;
+  int update;
+  UIOrder click;
+};
+
+} // namespace
+
+TEST(PlayerStateLockstep, TwoClientsFromTheSameOrdersEndByteEqual) {
+  constexpr int kPlayers = 2;
+  constexpr int kDelay = 3;
+  constexpr int kUpdates = 700;
+  // Two plateaus with a trench between them and a ledge over it.
+  auto const terrain = [](int x, int y) -> std::uint32_t {
+    if (y <= 40) {
+      return (x >= 120 && x <= 136 && y > 20) ? k_testSky : k_testGround;
+    }
+    if (y <= 60 && x >= 30 && x < 50) {
+      return k_testGround;
+    }
+    if (y <= 44 && x >= 200 && x < 230) {
+      return k_testRock;
+    }
+    return k_testSky;
+  };
+  std::vector<ScriptedClick> const script = {
+      {0, 150, Click(40, 61, A::DigDown, T::Immediate)},
+      {1, 150, Click(200, 45, A::Bridge, T::BeforeFalling)},
+      {0, 220, Click(100, 41, A::Bridge, T::BeforeFalling)},
+      {1, 230, Click(150, 41, A::DigSideways, T::WhenBlocked)},
+      {0, 260, Click(60, 41, A::Block, T::Immediate)},
+      {1, 300, Click(170, 41, A::RaiseGround, T::Immediate)},
+      {0, 330, Click(110, 41, A::DigUpwards, T::WhenBlocked)},
+      {1, 360, Click(140, 30, A::HorizontalBridge, T::AfterTurning)},
+      {0, 400, Click(128, 30, A::DigDown, T::Immediate)},
+      {1, 450, Click(180, 41, A::Block, T::Immediate)},
+  };
+
+  std::array<Client, kPlayers> clients;
+  for (int c = 0; c < kPlayers; ++c) {
+    clients[c].local = c;
+    clients[c].world = BuildChunkedWorld({.players = kPlayers, .localPlayer = c, .delayFrames = kDelay, .pixel = terrain});
+    for (int p = 0; p < kPlayers; ++p) {
+      PlayerState::Setup setup = BasicSetup();
+      setup.index = p;
+      setup.spawn = p == 0 ? Position{45, 120} : Position{190, 120};
+      setup.nextFacingRight = p == 0;
+      setup.toSpawn = 12;
+      setup.spawnInterval = 250'000;
+      setup.worldWidth = 256;
+      setup.worldHeight = 256;
+      clients[c].players.emplace_back(setup);
+    }
+  }
+  XXHashHasher initial;
+  clients[0].world->hashLocalBase(initial);
+
+  std::map<std::pair<int, int>, std::vector<unsigned char>> sent; // (player, update) -> order bytes
+  int accepted = 0;
+  for (int frame = 0; frame < kUpdates + kDelay; ++frame) {
+    for (Client& client : clients) {
+      for (int p = 0; p < kPlayers; ++p) {
+        int const update = p == client.local ? frame : frame - kDelay;
+        if (update < 0 || update >= kUpdates) {
+          continue;
+        }
+        PlayerState& player = client.players[static_cast<std::size_t>(p)];
+        if (p == client.local) {
+          for (ScriptedClick const& s : script) {
+            if (s.player == p && s.update == update) {
+              if (auto const order = player.resolveUIOrder(s.click)) {
+                sent[{p, update}] = order->toBytes();
+              }
+            }
+          }
+        }
+        if (auto const bytes = sent.find({p, update}); bytes != sent.end()) {
+          auto const order = Order::decode(bytes->second);
+          ASSERT_TRUE(order.has_value());
+          accepted += player.giveOrder(*order) ? 1 : 0;
+        }
+        player.update(*client.world);
+      }
+      client.world->frameAdvance();
+    }
+  }
+
+  EXPECT_EQ(accepted, 2 * static_cast<int>(sent.size())) << "every order taken on both clients";
+  EXPECT_GE(sent.size(), 8u);
+  for (int p = 0; p < kPlayers; ++p) {
+    std::vector<unsigned char> first;
+    std::vector<unsigned char> second;
+    clients[0].players[static_cast<std::size_t>(p)].serialiseHashedData(first);
+    clients[1].players[static_cast<std::size_t>(p)].serialiseHashedData(second);
+    EXPECT_EQ(first, second) << "player " << p;
+  }
+  XXHashHasher world0;
+  XXHashHasher world1;
+  clients[0].world->hashLocalBase(world0);
+  clients[1].world->hashLocalBase(world1);
+  EXPECT_EQ(world0.digest(), world1.digest());
+  EXPECT_NE(world0.digest(), initial.digest()) << "the units changed the terrain";
+}
