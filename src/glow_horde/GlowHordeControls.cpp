@@ -72,11 +72,10 @@ void GlowHordeControls::handleEvent(SDL_Event const& event, Pointer const& point
     break;
   }
   case SDL_EVENT_MOUSE_BUTTON_DOWN:
-    // A click on the interface (the activity selector, the team bar) is the interface's, not an order.
-    if (!pointer.overGame) {
-      break;
-    }
-    if (event.button.button == SDL_BUTTON_LEFT) {
+    // A left click on the interface (the activity selector, the team bar) is the interface's, not an
+    // order; the event pump holds those back already, and a click outside the game gives no order either.
+    // A middle-button drag may start anywhere, as the pump lets it through.
+    if (event.button.button == SDL_BUTTON_LEFT && pointer.overGame) {
       pendingOrder_ = orderAt(world);
     } else if (event.button.button == SDL_BUTTON_MIDDLE) {
       dragging_ = true;

@@ -102,6 +102,12 @@ TEST(GlowHordeControls, ALeftClickOverTheGameLeavesTheOrderOfThatMomentWaiting) 
   controls.handleEvent(Button(SDL_EVENT_MOUSE_BUTTON_DOWN, SDL_BUTTON_LEFT), {10.0f, 10.0f, false});
   EXPECT_FALSE(controls.pendingOrder().has_value());
   EXPECT_FALSE(controls.hoverPosition().has_value());
+  // A middle-button drag still starts there: the view follows the pointer from that world point.
+  controls.handleEvent(Button(SDL_EVENT_MOUSE_BUTTON_DOWN, SDL_BUTTON_MIDDLE), {10.0f, 10.0f, false});
+  SDL_Event motion{};
+  motion.type = SDL_EVENT_MOUSE_MOTION;
+  controls.handleEvent(motion, {30.0f, 10.0f, false});
+  EXPECT_FLOAT_EQ(controls.camera().x, 105.0f - 30.0f / 2.0f);
 }
 
 TEST(GlowHordeControls, ThePointerIsBroughtIntoTheWorldOnWrappingAxesOnly) {
