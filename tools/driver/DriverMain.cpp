@@ -85,6 +85,10 @@ int main(int argc, char* argv[]) {
   parser.add_argument("--window")
       .default_value(std::string("1280x720"))
       .help("Size of the window, WIDTHxHEIGHT; a smaller one draws faster in long headless runs");
+  parser.add_argument("--paced")
+      .flag()
+      .help("Run at the client's steady 60 frames a second with vertical sync, so that a person at a real "
+            "window can play what the script starts");
   parser.add_argument("--list-verbs").flag().help("Print the script language and exit");
   try {
     parser.parse_args(argc, argv);
@@ -101,6 +105,7 @@ int main(int argc, char* argv[]) {
   std::string const logPath = Absolute(parser.get<std::string>("--log"));
   std::string storage = Absolute(parser.get<std::string>("--storage"));
   int const maxFrames = parser.get<int>("--max-frames");
+  bool const paced = parser.get<bool>("--paced");
   int windowWidth = 0;
   int windowHeight = 0;
   if (!ParseWindowSize(parser.get<std::string>("--window"), windowWidth, windowHeight)) {
@@ -145,10 +150,10 @@ int main(int argc, char* argv[]) {
   std::string reason;
   long long frames = 0;
   try {
-    auto app = std::make_shared<SDL3App>(windowWidth, windowHeight, true);
+    auto app = std::make_shared<SDL3App>(windowWidth, windowHeight, !paced);
     SetInterfaceStyle();
     std::unique_ptr<MainLoopContext> context =
-        MainLoopContext::Create(app, "127.0.0.1", 6567, storage, "", &source, true);
+        MainLoopContext::Create(app, "127.0.0.1", 6567, storage, "", &source, !paced);
     while (!context->quit && !source.finished() && frames < maxFrames) {
       context->runOneFrame(false);
       ++frames;
