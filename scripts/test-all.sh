@@ -11,6 +11,7 @@ else
   sudo bash scripts/bootstrap-deps.sh
 fi
 export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
+export TANDEM_AUDIO_DRIVER=${TANDEM_AUDIO_DRIVER:-null}
 start=$SECONDS
 stage() { printf '\n== %s (at %d s)\n' "$1" $((SECONDS - start)); }
 

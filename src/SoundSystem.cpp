@@ -3,6 +3,8 @@
 #include <miniaudio.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <string_view>
 #include <filesystem>
 #include <system_error>
 
@@ -12,7 +14,20 @@ void SoundSystem::SoundDeleter::operator()(ma_sound* sound) const {
 }
 
 SoundSystem::SoundSystem() : engine_(std::make_unique<ma_engine>()) {
-  engineReady_ = ma_engine_init(nullptr, engine_.get()) == MA_SUCCESS;
+  ma_engine_config config = ma_engine_config_init();
+  // TANDEM_AUDIO_DRIVER=null plays on miniaudio's silent back end instead of the system's devices, as
+  // headless test runs want: no sound server is probed and no third-party audio thread is started.
+  char const* driver = std::getenv("TANDEM_AUDIO_DRIVER");
+  if (driver != nullptr && std::string_view(driver) == "null") {
+    context_ = std::make_unique<ma_context>();
+    ma_backend const backends[] = {ma_backend_null};
+    if (ma_context_init(backends, 1, nullptr, context_.get()) == MA_SUCCESS) {
+      config.pContext = context_.get();
+    } else {
+      context_.reset();
+    }
+  }
+  engineReady_ = ma_engine_init(&config, engine_.get()) == MA_SUCCESS;
   std::random_device device;
   random_.seed(device());
 }
@@ -22,6 +37,9 @@ SoundSystem::~SoundSystem() {
   sounds_.clear();
   if (engineReady_) {
     ma_engine_uninit(engine_.get());
+  }
+  if (context_) {
+    ma_context_uninit(context_.get());
   }
 }
 

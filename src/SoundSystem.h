@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+struct ma_context;
 struct ma_engine;
 struct ma_sound;
 
@@ -39,6 +40,7 @@ private:
   };
   using SoundPtr = std::unique_ptr<ma_sound, SoundDeleter>;
 
+  std::unique_ptr<ma_context> context_;  // only when a back end is chosen by TANDEM_AUDIO_DRIVER
   std::unique_ptr<ma_engine> engine_;
   bool engineReady_ = false;
   std::unordered_map<std::string, SoundPtr> sounds_;
