@@ -3,11 +3,7 @@
 # Arguments are passed to the client, e.g. --start-windowed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-if [ "$(id -u)" = 0 ]; then
-  bash scripts/bootstrap-deps.sh
-else
-  sudo bash scripts/bootstrap-deps.sh
-fi
+source scripts/ensure-deps.sh
 cmake --preset release >/dev/null
 cmake --build --preset release
 exec build/release/bin/tandem-client "$@"

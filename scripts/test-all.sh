@@ -5,11 +5,7 @@
 #   3. unit and end-to-end tests of the release build, whose summary ends the output.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-if [ "$(id -u)" = 0 ]; then
-  bash scripts/bootstrap-deps.sh
-else
-  sudo bash scripts/bootstrap-deps.sh
-fi
+source scripts/ensure-deps.sh
 export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
 export TANDEM_AUDIO_DRIVER=${TANDEM_AUDIO_DRIVER:-null}
 start=$SECONDS
