@@ -1,6 +1,7 @@
 #include "EmptyBerthMap.h"
 
 #include "MapDigests.h"
+#include "SchemaEntries.h"
 
 MapSettings EmptyBerthMap() {
   MapSettings map;
@@ -17,4 +18,9 @@ MapSettings EmptyBerthMap() {
   map.exits = {{700, 70}, {700, 70}, {700, 70}, {700, 70}};
   map.startFacesRight = {true, true, true};
   return map;
+}
+
+std::vector<NamedGameSettings> EmptyBerthRankedMatches(GameSettingsSchema const& schema) {
+  return {NamedDefaults(schema, "Two player", "The Empty Berth", 2, 2),
+          NamedDefaults(schema, "Four player", "The Empty Berth", 4, 4)};
 }

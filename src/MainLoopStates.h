@@ -32,23 +32,22 @@ struct ConnectedState {
   int stalledFrames = 0;
 };
 
-// A game played alone: a tutorial level.
-struct LocalGameState {
+// What a game stepped by this client alone needs: the session, its slots, the source of its orders.
+struct GameOnThisClient {
   std::unique_ptr<IRunningGame> game;
   std::vector<std::uint16_t> players;
   int localPlayer = 0;
   std::unique_ptr<IOrderSource> orderSource;
   int stalledFrames = 0;
+};
+
+// A game played alone: a tutorial level.
+struct LocalGameState : GameOnThisClient {
   std::uint16_t tutorialLevel = 0;
 };
 
 // A recorded game played again, which proves at its end that it reproduced the reported result.
-struct ReplayState {
-  std::unique_ptr<IRunningGame> game;
-  std::vector<std::uint16_t> players;
-  int localPlayer = 0;
-  std::unique_ptr<IOrderSource> orderSource;
-  int stalledFrames = 0;
+struct ReplayState : GameOnThisClient {
   std::uint32_t expectedEndFrame = 0;
   bool hasExpectedEnd = false;
   std::uint8_t delayFrames = 0;

@@ -1,22 +1,12 @@
 #pragma once
 
-#include <memory>
-
-#include "IGame.h"
-
-class Games;
+#include "GameCatalogue.h"
 
 // The catalogue of Aviators: its map, schema and ranked matches, and the wording of results.
-class AviatorsGame final : public IGame, public std::enable_shared_from_this<AviatorsGame> {
-  struct Private {
-    explicit Private() = default;
-  };
-  friend class Games;
-
+class AviatorsGame final : public GameCatalogue<AviatorsGame, Game::Aviators> {
 public:
   explicit AviatorsGame(Private);
 
-  Game type() const override { return Game::Aviators; }
   std::unique_ptr<IRunningGame> startSession(std::shared_ptr<SDL3App> app, int localPlayer,
                                              unsigned long long framePeriod, unsigned char delayFrames,
                                              GameSettings const& settings, std::vector<unsigned short> const& players,

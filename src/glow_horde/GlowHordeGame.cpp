@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-
 #include "MapDigests.h"
 #include "SchemaEntries.h"
 #include "glow_horde/RunningGlowHorde.h"
@@ -109,14 +108,10 @@ GlowHordeGame::GlowHordeGame(Private) {
 
   auto named = [this](char const* name, char const* map, std::uint16_t players,
                       std::initializer_list<std::pair<char const*, int>> changes) {
-    NamedGameSettings entry;
-    entry.name = name;
-    entry.settings = DefaultSettingsFromSchema(schema);
-    entry.settings.strings["map"] = map;
+    NamedGameSettings entry = NamedDefaults(schema, name, map, players, players);
     for (auto const& [key, value] : changes) {
       entry.settings.ints[key] = value;
     }
-    entry.minPlayers = entry.maxPlayers = players;
     return entry;
   };
   lookup.coopChallenges = {

@@ -1,23 +1,14 @@
 #pragma once
 
-#include <memory>
-
-#include "IGame.h"
+#include "GameCatalogue.h"
 
 class SDL3App;
-class Games;
 
 // The catalogue of Glow Horde: schema, maps, co-op challenges, ranked matches; the factory of sessions.
-class GlowHordeGame final : public IGame, public std::enable_shared_from_this<GlowHordeGame> {
-  struct Private {
-    explicit Private() = default;
-  };
-  friend class Games;
-
+class GlowHordeGame final : public GameCatalogue<GlowHordeGame, Game::GlowHorde> {
 public:
   explicit GlowHordeGame(Private);
 
-  Game type() const override { return Game::GlowHorde; }
   std::unique_ptr<IRunningGame> startSession(std::shared_ptr<SDL3App> app, int localPlayer,
                                              unsigned long long framePeriod, unsigned char delayFrames,
                                              GameSettings const& settings, std::vector<unsigned short> const& players,

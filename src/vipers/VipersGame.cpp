@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <limits>
-#include <stdexcept>
 
 #include "EmptyBerthMap.h"
 #include "SchemaEntries.h"
@@ -17,17 +16,13 @@ VipersGame::VipersGame(Private) {
   schema.push_back(IntegerSchemaEntry("grow_by", "Growth on eating food (in world pixels)", 100, 50, 200));
   schema.push_back(IntegerSchemaEntry("collision_penalty",
                                       "Tail loss on bounce (up to world pixels, speed dependent)", 0, 100, 60));
-  lookup.rankedMatches = {
-      NamedDefaults(schema, "Two player", "The Empty Berth", 2, 2),
-      NamedDefaults(schema, "Four player", "The Empty Berth", 4, 4),
-  };
+  lookup.rankedMatches = EmptyBerthRankedMatches(schema);
 }
 
 std::unique_ptr<IRunningGame> VipersGame::startSession(std::shared_ptr<SDL3App>, int, unsigned long long,
                                                        unsigned char, GameSettings const& settings,
                                                        std::vector<unsigned short> const&, bool) const {
-  mapFor(settings);
-  throw std::runtime_error("Vipers sessions are not available in this build of the client.");
+  refuseSession(settings, "Vipers");
 }
 
 std::string VipersGame::formatResult(std::vector<long long> const& row, bool) const {
