@@ -61,6 +61,17 @@ void Canvas::fillDistance(float left, float top, float right, float bottom,
   }
 }
 
+Box BoxOf(std::vector<Point> const& points) {
+  Box box{1e9f, 1e9f, -1e9f, -1e9f};
+  for (Point const& p : points) {
+    box.minX = std::min(box.minX, p.x);
+    box.maxX = std::max(box.maxX, p.x);
+    box.minY = std::min(box.minY, p.y);
+    box.maxY = std::max(box.maxY, p.y);
+  }
+  return box;
+}
+
 float CircleDistance(float x, float y, float cx, float cy, float r) { return std::hypot(x - cx, y - cy) - r; }
 
 float SegmentDistance(float x, float y, float x0, float y0, float x1, float y1) {
@@ -110,15 +121,9 @@ void Canvas::polyline(std::vector<Point> const& points, float width, Colour c) {
   if (points.size() < 2) {
     return;
   }
-  float left = 1e30f, top = 1e30f, right = -1e30f, bottom = -1e30f;
-  for (Point const& p : points) {
-    left = std::min(left, p.x);
-    right = std::max(right, p.x);
-    top = std::min(top, p.y);
-    bottom = std::max(bottom, p.y);
-  }
+  Box const box = BoxOf(points);
   float const h = width / 2;
-  fillDistance(left - h, top - h, right + h, bottom + h,
+  fillDistance(box.minX - h, box.minY - h, box.maxX + h, box.maxY + h,
                [&](float x, float y) {
                  float best = 1e30f;
                  for (std::size_t i = 1; i < points.size(); ++i) {
@@ -134,14 +139,9 @@ void Canvas::fillPolygon(std::vector<Point> const& points, Colour c) {
 }
 
 void Canvas::fillPolygon(std::vector<Point> const& points, std::function<Colour(float, float)> const& paint) {
-  float left = 1e30f, top = 1e30f, right = -1e30f, bottom = -1e30f;
-  for (Point const& p : points) {
-    left = std::min(left, p.x);
-    right = std::max(right, p.x);
-    top = std::min(top, p.y);
-    bottom = std::max(bottom, p.y);
-  }
-  fillDistance(left, top, right, bottom, [&](float x, float y) { return PolygonDistance(x, y, points); }, paint);
+  Box const box = BoxOf(points);
+  fillDistance(box.minX, box.minY, box.maxX, box.maxY, [&](float x, float y) { return PolygonDistance(x, y, points); },
+               paint);
 }
 
 void Canvas::fillRoundedRect(float left, float top, float right, float bottom, float radius, Colour c) {

@@ -18,6 +18,12 @@ struct Point {
   float x = 0, y = 0;
 };
 
+// The smallest box that holds every point of a list.
+struct Box {
+  float minX, minY, maxX, maxY;
+};
+Box BoxOf(std::vector<Point> const& points);
+
 // A floating-point RGBA picture in image coordinates (row 0 at the top, pixel centres at +0.5),
 // with anti-aliased shapes drawn by signed distance and composited "over" what is there.
 class Canvas {

@@ -12,14 +12,8 @@ Colour const kInk = Rgb(18, 16, 34);
 
 // A filled polygon with a dark outline of the given width around it.
 void OutlinedPolygon(Canvas& c, std::vector<Point> const& points, float outline, Colour fill) {
-  float left = 1e9f, top = 1e9f, right = -1e9f, bottom = -1e9f;
-  for (Point const& p : points) {
-    left = std::fmin(left, p.x);
-    right = std::fmax(right, p.x);
-    top = std::fmin(top, p.y);
-    bottom = std::fmax(bottom, p.y);
-  }
-  c.fillDistance(left - outline, top - outline, right + outline, bottom + outline,
+  Box const box = BoxOf(points);
+  c.fillDistance(box.minX - outline, box.minY - outline, box.maxX + outline, box.maxY + outline,
                  [&](float x, float y) { return PolygonDistance(x, y, points) - outline; },
                  [&](float, float) { return kInk; });
   c.fillPolygon(points, fill);

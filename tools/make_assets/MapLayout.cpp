@@ -29,15 +29,13 @@ void MapLayout::fillRect(int x0, int y0, int x1, int y1, Material m) {
 }
 
 void MapLayout::fillPolygon(std::vector<Point> const& points, Material m) {
-  float top = -1e9f, bottom = 1e9f, left = 1e9f, right = -1e9f;
-  for (Point const& p : points) {
-    top = std::max(top, p.y);
-    bottom = std::min(bottom, p.y);
-    left = std::min(left, p.x);
-    right = std::max(right, p.x);
-  }
-  for (int y = std::max(0, static_cast<int>(std::floor(bottom))); y <= std::min(height_ - 1, static_cast<int>(top)); ++y) {
-    for (int x = std::max(0, static_cast<int>(std::floor(left))); x <= std::min(width_ - 1, static_cast<int>(right)); ++x) {
+  Box const box = BoxOf(points);  // y upward: minY is the bottom
+  int const x0 = std::max(0, static_cast<int>(std::floor(box.minX)));
+  int const x1 = std::min(width_ - 1, static_cast<int>(box.maxX));
+  int const y0 = std::max(0, static_cast<int>(std::floor(box.minY)));
+  int const y1 = std::min(height_ - 1, static_cast<int>(box.maxY));
+  for (int y = y0; y <= y1; ++y) {
+    for (int x = x0; x <= x1; ++x) {
       if (PolygonDistance(static_cast<float>(x) + 0.5f, static_cast<float>(y) + 0.5f, points) < 0.0f) {
         set(x, y, m);
       }

@@ -20,43 +20,46 @@ double Envelope(double t, double attack, double decay) {
   return std::exp(-(t - attack) / decay);
 }
 
-// A tone whose frequency glides exponentially from f0 to f1 over the length, mixed into out at start.
-void AddGlide(std::vector<float>& out, double start, double length, double f0, double f1, double amplitude,
-              double attack, double decay, double thirdHarmonic = 0.0) {
+// Mixes `length` seconds of a source into out at `start`, under the envelope: source(t) gives the
+// next raw sample at t seconds into the sound, called once per sample in order.
+template <typename Source>
+void MixIn(std::vector<float>& out, double start, double length, double amplitude, double attack, double decay,
+           Source source) {
   std::size_t const first = Samples(start);
   std::size_t const count = Samples(length);
   if (out.size() < first + count) {
     out.resize(first + count, 0.0f);
   }
-  double phase = 0.0;
   for (std::size_t i = 0; i < count; ++i) {
     double const t = static_cast<double>(i) / kSoundRate;
-    double const f = f0 * std::pow(f1 / f0, t / length);
-    phase += kTwoPi * f / kSoundRate;
-    double const wave = std::sin(phase) + thirdHarmonic * std::sin(3 * phase);
+    double const value = source(t);
     // A short fade at the very end keeps the cut silent.
     double const tail = std::min(1.0, static_cast<double>(count - i) / (0.004 * kSoundRate));
-    out[first + i] += static_cast<float>(amplitude * wave * Envelope(t, attack, decay) * tail);
+    out[first + i] += static_cast<float>(amplitude * value * Envelope(t, attack, decay) * tail);
   }
+}
+
+// A tone whose frequency glides exponentially from f0 to f1 over the length, mixed into out at start.
+void AddGlide(std::vector<float>& out, double start, double length, double f0, double f1, double amplitude,
+              double attack, double decay, double thirdHarmonic = 0.0) {
+  double phase = 0.0;
+  MixIn(out, start, length, amplitude, attack, decay, [&](double t) {
+    double const f = f0 * std::pow(f1 / f0, t / length);
+    phase += kTwoPi * f / kSoundRate;
+    return std::sin(phase) + thirdHarmonic * std::sin(3 * phase);
+  });
 }
 
 // Noise through a one-pole low-pass whose cutoff glides from c0 to c1 (Hz), under an envelope.
 void AddNoise(std::vector<float>& out, FixedRandom& random, double start, double length, double c0, double c1,
               double amplitude, double attack, double decay) {
-  std::size_t const first = Samples(start);
-  std::size_t const count = Samples(length);
-  if (out.size() < first + count) {
-    out.resize(first + count, 0.0f);
-  }
   double state = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    double const t = static_cast<double>(i) / kSoundRate;
+  MixIn(out, start, length, amplitude, attack, decay, [&](double t) {
     double const cutoff = c0 * std::pow(c1 / c0, t / length);
     double const k = 1.0 - std::exp(-kTwoPi * cutoff / kSoundRate);
     state += k * (random.range(-1.0, 1.0) - state);
-    double const tail = std::min(1.0, static_cast<double>(count - i) / (0.004 * kSoundRate));
-    out[first + i] += static_cast<float>(amplitude * state * Envelope(t, attack, decay) * tail);
-  }
+    return state;
+  });
 }
 
 // Scales the whole effect so that its loudest sample reaches `peak`.
