@@ -3,19 +3,14 @@
 #include <benchmark/benchmark.h>
 
 #include <SDL3/SDL.h>
-#include <SDL3_image/SDL_image.h>
 
-#include <filesystem>
 #include <memory>
 #include <random>
-#include <stdexcept>
-#include <string>
 #include <vector>
-
-#include <unistd.h>
 
 #include "ChunkedWorld.h"
 #include "XXHashHasher.h"
+#include "glow_horde/BenchWorld.h"
 
 namespace {
 
@@ -26,44 +21,18 @@ constexpr int kWorldWidth = 2048;
 constexpr int kWorldHeight = 1024;
 constexpr int kLookupsPerUnit = 30;
 
-// A temporary data directory holding one 2048 by 1024 map: hills of ground over sky, some rock.
-class BenchMap {
-public:
-  BenchMap() : previous_(std::filesystem::current_path()) {
-    root_ = std::filesystem::temp_directory_path() / ("tandem_world_bench_" + std::to_string(::getpid()));
-    std::filesystem::create_directories(root_ / "data");
-    std::filesystem::current_path(root_);
-    SDL_Surface* surface = SDL_CreateSurface(kWorldWidth, kWorldHeight, SDL_PIXELFORMAT_ARGB8888);
-    for (int y = 0; y < kWorldHeight; ++y) {
-      auto* row = reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(surface->pixels) + y * surface->pitch);
-      for (int x = 0; x < kWorldWidth; ++x) {
-        int const worldY = kWorldHeight - 1 - y;
-        int const surface_level = 400 + (x * 37 % 200);
-        row[x] = worldY > surface_level ? 0x00203040u : (x * 13 + worldY * 7) % 97 == 0 ? 0xFF707070u : 0xFE8B5A2Bu;
-      }
-    }
-    if (!IMG_SavePNG(surface, "data/bench.png")) {
-      throw std::runtime_error(std::string("Benchmark map not saved: ") + SDL_GetError());
-    }
-    SDL_DestroySurface(surface);
-    map_.imageFile = "bench.png";
-    map_.wrapX = map_.cameraWrapX = true;
-  }
-  ~BenchMap() {
-    std::error_code ignored;
-    std::filesystem::current_path(previous_, ignored);
-    std::filesystem::remove_all(root_, ignored);
-  }
-  MapSettings const& map() const { return map_; }
-
-private:
-  std::filesystem::path previous_;
-  std::filesystem::path root_;
-  MapSettings map_;
-};
-
-BenchMap& Map() {
-  static BenchMap map;
+// One 2048 by 1024 map, wrapping across: hills of ground over sky, some rock. Written once and kept
+// in a temporary data directory for the whole run.
+MapSettings const& Map() {
+  static BenchMapDirectory const directory(kWorldWidth, kWorldHeight, [](int x, int y) {
+    int const surfaceLevel = 400 + (x * 37 % 200);
+    return y > surfaceLevel ? 0x00203040u : (x * 13 + y * 7) % 97 == 0 ? 0xFF707070u : 0xFE8B5A2Bu;
+  });
+  static MapSettings const map = [] {
+    MapSettings settings = directory.map();
+    settings.wrapX = settings.cameraWrapX = true;
+    return settings;
+  }();
   return map;
 }
 
@@ -125,10 +94,18 @@ private:
 };
 
 std::unique_ptr<ChunkedWorld> LoadedWorld(int frames, DiggingLoad& load) {
-  auto world = std::make_unique<ChunkedWorld>(nullptr, kPlayers, 0, kDelay, Map().map());
+  auto world = std::make_unique<ChunkedWorld>(nullptr, kPlayers, 0, kDelay, Map());
   for (int frame = 0; frame < frames; ++frame) load.frame(*world, frame);
   return world;
 }
+
+// A world whose every queue is full, after 4 D frames of digging, and the number of the next frame.
+struct HeavyLoad {
+  explicit HeavyLoad(unsigned seed) : load(seed), world(LoadedWorld(frame, load)) {}
+  int frame = 4 * kDelay;
+  DiggingLoad load;
+  std::unique_ptr<ChunkedWorld> world;
+};
 
 void BM_IsGround_NoPendingChanges(benchmark::State& state) {
   DiggingLoad load(1);
@@ -162,9 +139,8 @@ BENCHMARK(BM_IsGround_HeavyPendingChanges)->Unit(benchmark::kMicrosecond);
 
 // Only the advance is timed; the digging that fills the new slot is not.
 void BM_FrameAdvance_HeavyLoad(benchmark::State& state) {
-  DiggingLoad load(2);
-  auto world = LoadedWorld(4 * kDelay, load);
-  int frame = 4 * kDelay;
+  HeavyLoad heavy(2);
+  auto& [frame, load, world] = heavy;
   for (auto _ : state) {
     state.PauseTiming();
     for (int player = 0; player < kPlayers; ++player) load.dig(*world, player, frame);
@@ -177,9 +153,8 @@ BENCHMARK(BM_FrameAdvance_HeavyLoad)->Unit(benchmark::kMicrosecond);
 
 // A whole simulated frame of the world: the queueing of 2400 changes, 24000 lookups and the advance.
 void BM_WholeFrame_HeavyLoad(benchmark::State& state) {
-  DiggingLoad load(3);
-  auto world = LoadedWorld(4 * kDelay, load);
-  int frame = 4 * kDelay;
+  HeavyLoad heavy(3);
+  auto& [frame, load, world] = heavy;
   for (auto _ : state) {
     for (int player = 0; player < kPlayers; ++player) {
       benchmark::DoNotOptimize(load.look(*world, player));
@@ -193,9 +168,8 @@ BENCHMARK(BM_WholeFrame_HeavyLoad)->Unit(benchmark::kMicrosecond);
 
 // Only the queueing of one frame's changes (2400 removes) is timed; the advance is not.
 void BM_QueueChanges_HeavyLoad(benchmark::State& state) {
-  DiggingLoad load(7);
-  auto world = LoadedWorld(4 * kDelay, load);
-  int frame = 4 * kDelay;
+  HeavyLoad heavy(7);
+  auto& [frame, load, world] = heavy;
   for (auto _ : state) {
     for (int player = 0; player < kPlayers; ++player) load.dig(*world, player, frame);
     ++frame;
@@ -209,9 +183,8 @@ BENCHMARK(BM_QueueChanges_HeavyLoad)->Unit(benchmark::kMicrosecond);
 
 // The same frames without the lookups: the queueing and the advance together.
 void BM_DigAndAdvance_HeavyLoad(benchmark::State& state) {
-  DiggingLoad load(3);
-  auto world = LoadedWorld(4 * kDelay, load);
-  int frame = 4 * kDelay;
+  HeavyLoad heavy(3);
+  auto& [frame, load, world] = heavy;
   for (auto _ : state) {
     load.frame(*world, frame++);
   }
@@ -245,7 +218,7 @@ void BM_Render_1280x720(benchmark::State& state) {
   SDL_Renderer* renderer = SDL_CreateSoftwareRenderer(surface);
   {
     DiggingLoad load(6);
-    auto world = std::make_unique<ChunkedWorld>(renderer, kPlayers, 0, kDelay, Map().map());
+    auto world = std::make_unique<ChunkedWorld>(renderer, kPlayers, 0, kDelay, Map());
     Camera const camera{100.0f, 150.0f, 1.0f};
     int frame = 0;
     world->render(camera, 1280, 720);

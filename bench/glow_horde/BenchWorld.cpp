@@ -2,18 +2,19 @@
 
 #include <SDL3_image/SDL_image.h>
 
-#include <filesystem>
+#include <atomic>
 #include <stdexcept>
 #include <string>
 
 #include <unistd.h>
 
-std::unique_ptr<ChunkedWorld> BuildBenchWorld(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel) {
-  namespace fs = std::filesystem;
-  fs::path const previous = fs::current_path();
-  fs::path const root = fs::temp_directory_path() / ("tandem_bench_world_" + std::to_string(::getpid()));
-  fs::create_directories(root / "data");
-  fs::current_path(root);
+BenchMapDirectory::BenchMapDirectory(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel)
+    : previous_(std::filesystem::current_path()) {
+  static std::atomic<int> counter{0};
+  root_ = std::filesystem::temp_directory_path() /
+          ("tandem_bench_world_" + std::to_string(::getpid()) + "_" + std::to_string(counter++));
+  std::filesystem::create_directories(root_ / "data");
+  std::filesystem::current_path(root_);
 
   SDL_Surface* surface = SDL_CreateSurface(width, height, SDL_PIXELFORMAT_ARGB8888);
   if (surface == nullptr) {
@@ -30,11 +31,21 @@ std::unique_ptr<ChunkedWorld> BuildBenchWorld(int width, int height, std::functi
   if (!saved) {
     throw std::runtime_error(std::string("Benchmark image not saved: ") + SDL_GetError());
   }
+}
 
+BenchMapDirectory::~BenchMapDirectory() {
+  std::error_code ignored;
+  std::filesystem::current_path(previous_, ignored);
+  std::filesystem::remove_all(root_, ignored);
+}
+
+MapSettings BenchMapDirectory::map() const {
   MapSettings map;
   map.imageFile = "terrain.png";
-  auto world = std::make_unique<ChunkedWorld>(nullptr, 1, 0, 15, map);
-  fs::current_path(previous);
-  fs::remove_all(root);
-  return world;
+  return map;
+}
+
+std::unique_ptr<ChunkedWorld> BuildBenchWorld(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel) {
+  BenchMapDirectory const directory(width, height, pixel);
+  return std::make_unique<ChunkedWorld>(nullptr, 1, 0, 15, directory.map());
 }
