@@ -1,21 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <string>
 
 #include "Chunk.h"
-#include "XXHashHasher.h"
+#include "support/Checks.h"
 #include "support/TestImages.h"
 
-namespace {
-
-std::uint64_t Digest(Chunk const& chunk) {
-  XXHashHasher hasher;
-  chunk.hash(hasher);
-  return hasher.digest();
-}
-
-}  // namespace
+using testing_support::DigestOf;
 
 TEST(Chunk, NewChunkIsEmptyAndDirty) {
   Chunk chunk;
@@ -34,12 +25,12 @@ TEST(Chunk, PixelsLieRowByRowFromTheBottomAndAreHashedAsTheyLie) {
 
   XXHashHasher whole;
   whole.update(chunk.pixels(), Chunk::kPixels * 4);
-  EXPECT_EQ(Digest(chunk), whole.digest());
+  EXPECT_EQ(DigestOf(chunk), whole.digest());
 
   // The same pixel in another place is another digest.
   Chunk moved;
   moved.writePixel(2, 3, 0xFE010203u);
-  EXPECT_NE(Digest(moved), Digest(chunk));
+  EXPECT_NE(DigestOf(moved), DigestOf(chunk));
 }
 
 TEST(Chunk, CopiesOwnTheirPixelsAndMovesLeaveTheSourceEmpty) {
@@ -102,13 +93,8 @@ TEST(Chunk, TextureShowsTheTopRowFirstAndIsUploadedOnlyWhenDirty) {
 
 TEST(Chunk, TextureFailureNamesTheCause) {
   Chunk chunk;
-  try {
-    chunk.getTexture(nullptr);
-    FAIL() << "no renderer, yet a texture";
-  } catch (std::runtime_error const& error) {
-    std::string const text = error.what();
-    EXPECT_EQ(text.rfind("Failed to create chunked world texture - ", 0), 0u) << text;
-    EXPECT_GT(text.size(), std::string("Failed to create chunked world texture - ").size());
-  }
+  std::string const text = testing_support::ErrorText([&] { chunk.getTexture(nullptr); });
+  EXPECT_EQ(text.rfind("Failed to create chunked world texture - ", 0), 0u) << text;
+  EXPECT_GT(text.size(), std::string("Failed to create chunked world texture - ").size());
   EXPECT_FALSE(chunk.hasTexture());
 }

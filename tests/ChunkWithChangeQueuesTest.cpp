@@ -5,11 +5,13 @@
 #include <random>
 
 #include "ChunkWithChangeQueues.h"
-#include "XXHashHasher.h"
+#include "support/Checks.h"
 #include "support/Lockstep.h"
 #include "support/ReferenceChunk.h"
 
 using testing_support::ClientLog;
+using testing_support::DigestOf;
+using testing_support::LocalBaseDigest;
 using testing_support::ReferenceChunk;
 using testing_support::Workload;
 
@@ -80,18 +82,6 @@ struct CheckedChunk {
     ASSERT_EQ(Copy(real.display()), model.display());
   }
 };
-
-std::uint64_t LocalBaseDigest(ChunkWithChangeQueues const& chunk) {
-  XXHashHasher hasher;
-  chunk.hashLocalBase(hasher);
-  return hasher.digest();
-}
-
-std::uint64_t Digest(Chunk const& chunk) {
-  XXHashHasher hasher;
-  chunk.hash(hasher);
-  return hasher.digest();
-}
 
 }  // namespace
 
@@ -239,8 +229,8 @@ TEST_P(ChunkLockstep, EveryClientSeesTheSameTerrainForEachPlayer) {
     auto client = std::make_unique<CheckedChunk>(terrain, param.players, local, param.delay);
     logs.push_back(testing_support::RunClient(*client, work, local, [&](int) {
       digests[static_cast<std::size_t>(local)].push_back(LocalBaseDigest(client->real));
-      baseDigests[static_cast<std::size_t>(local)].push_back(Digest(client->real.base()));
-      displayDigests[static_cast<std::size_t>(local)].push_back(Digest(client->real.display()));
+      baseDigests[static_cast<std::size_t>(local)].push_back(DigestOf(client->real.base()));
+      displayDigests[static_cast<std::size_t>(local)].push_back(DigestOf(client->real.display()));
     }));
     finalLocalBases.push_back(Copy(client->real.localBase()));
     ASSERT_FALSE(HasFailure()) << "client of player " << local << " differs from the plain model";

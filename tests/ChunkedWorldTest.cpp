@@ -10,9 +10,11 @@
 #include "Renderer.h"
 #include "TextureCache.h"
 #include "XXHashHasher.h"
+#include "support/Checks.h"
 #include "support/Lockstep.h"
 #include "support/TestImages.h"
 
+using testing_support::LocalBaseDigest;
 using testing_support::SaveImage;
 using testing_support::ScopedDataDirectory;
 using testing_support::SoftwareTarget;
@@ -28,25 +30,22 @@ MapSettings MapOf(std::string const& file) {
   return map;
 }
 
-std::uint64_t LocalBaseDigest(ChunkedWorld const& world) {
-  XXHashHasher hasher;
-  world.hashLocalBase(hasher);
-  return hasher.digest();
+std::string ErrorOf(MapSettings const& map) {
+  return testing_support::ErrorText([&] { ChunkedWorld(nullptr, 1, 0, 1, map); });
 }
 
-std::string ErrorOf(MapSettings const& map) {
-  try {
-    ChunkedWorld world(nullptr, 1, 0, 1, map);
-  } catch (std::runtime_error const& error) {
-    return error.what();
-  }
-  return "no error";
-}
+// Every test writes its map images into a fresh data directory.
+class InDataDirectory : public ::testing::Test {
+protected:
+  ScopedDataDirectory directory;
+};
+using ChunkedWorldMaps = InDataDirectory;
+using ChunkedWorldRender = InDataDirectory;
+using ChunkedWorldLockstep = InDataDirectory;
 
 }  // namespace
 
-TEST(ChunkedWorld, LoadFailuresNameTheFileWithoutTheFolder) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, LoadFailuresNameTheFileWithoutTheFolder) {
   std::string const missing = ErrorOf(MapOf("nowhere.png"));
   EXPECT_EQ(missing.rfind("Failed to load image 'nowhere.png': ", 0), 0u) << missing;
   EXPECT_GT(missing.size(), std::string("Failed to load image 'nowhere.png': ").size());
@@ -57,8 +56,7 @@ TEST(ChunkedWorld, LoadFailuresNameTheFileWithoutTheFolder) {
   EXPECT_EQ(ErrorOf(checked), "Image checksum does not match, for 'small.png'");
 }
 
-TEST(ChunkedWorld, ChecksumIsOfTheStoredImageAndZeroMeansNoCheck) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, ChecksumIsOfTheStoredImageAndZeroMeansNoCheck) {
   SaveImage("map.png", 10, 4, [](int x, int y) { return x == y ? kGround : kSky; });
   SDL_Surface* stored = testing_support::MakeSurface(10, 4, [](int x, int y) { return x == y ? kGround : kSky; });
   XXHashHasher hasher;
@@ -75,8 +73,7 @@ TEST(ChunkedWorld, ChecksumIsOfTheStoredImageAndZeroMeansNoCheck) {
   EXPECT_THROW(ChunkedWorld(nullptr, 2, 1, 3, map), std::runtime_error);
 }
 
-TEST(ChunkedWorld, SizeRoundsUpToChunksAndTheImageIsFlipped) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, SizeRoundsUpToChunksAndTheImageIsFlipped) {
   // Ground along the image's bottom row and at one pixel of its top row.
   SaveImage("wide.png", 300, 200, [](int x, int y) { return y == 199 || (y == 0 && x == 7) ? kGround : kSky; });
   ChunkedWorld world(nullptr, 1, 0, 1, MapOf("wide.png"));
@@ -98,8 +95,7 @@ TEST(ChunkedWorld, SizeRoundsUpToChunksAndTheImageIsFlipped) {
   EXPECT_EQ(world.getChunk(0, -1), nullptr);
 }
 
-TEST(ChunkedWorld, OutsideIsSolidUnlessTheAxisWraps) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, OutsideIsSolidUnlessTheAxisWraps) {
   // Ground only in the rightmost column and the top row.
   SaveImage("edges.png", 512, 256, [](int x, int y) { return x == 511 || y == 0 ? kGround : kSky; });
   ChunkedWorld plain(nullptr, 2, 0, 2, MapOf("edges.png"));
@@ -124,25 +120,7 @@ TEST(ChunkedWorld, OutsideIsSolidUnlessTheAxisWraps) {
   }
 }
 
-TEST(ChunkedWorld, WrapMovesByOnePeriodOnWrappingAxesOnly) {
-  ScopedDataDirectory directory;
-  SaveImage("rect.png", 512, 256, [](int, int) { return kSky; });
-  MapSettings map = MapOf("rect.png");
-  map.wrapX = true;
-  ChunkedWorld world(nullptr, 1, 0, 1, map);
-  auto wrapped = [&](int x, int y) {
-    world.wrap(x, y);
-    return std::pair{x, y};
-  };
-  EXPECT_EQ(wrapped(-1, -1), (std::pair{511, -1}));
-  EXPECT_EQ(wrapped(512, 300), (std::pair{0, 300}));
-  EXPECT_EQ(wrapped(-600, 5), (std::pair{-88, 5}));
-  EXPECT_EQ(wrapped(1100, 5), (std::pair{588, 5}));
-  EXPECT_EQ(wrapped(17, 18), (std::pair{17, 18}));
-}
-
-TEST(ChunkedWorld, WrappedDistanceTakesTheShortWayRoundEachAxisByItsOwnSize) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, WrapAndDistanceGoRoundEachWrappingAxisByItsOwnSize) {
   SaveImage("rect.png", 512, 256, [](int, int) { return kSky; });
   MapSettings map = MapOf("rect.png");
   ChunkedWorld plain(nullptr, 1, 0, 1, map);
@@ -152,6 +130,18 @@ TEST(ChunkedWorld, WrappedDistanceTakesTheShortWayRoundEachAxisByItsOwnSize) {
   map.wrapY = true;
   ChunkedWorld acrossY(nullptr, 1, 0, 1, map);
 
+  // Wrapping moves by one period at most, on wrapping axes only.
+  auto wrapped = [&](int x, int y) {
+    acrossX.wrap(x, y);
+    return std::pair{x, y};
+  };
+  EXPECT_EQ(wrapped(-1, -1), (std::pair{511, -1}));
+  EXPECT_EQ(wrapped(512, 300), (std::pair{0, 300}));
+  EXPECT_EQ(wrapped(-600, 5), (std::pair{-88, 5}));
+  EXPECT_EQ(wrapped(1100, 5), (std::pair{588, 5}));
+  EXPECT_EQ(wrapped(17, 18), (std::pair{17, 18}));
+
+  // Distances take the short way round.
   EXPECT_EQ(plain.wrappedDistSquared({0, 0}, {511, 0}), 511 * 511);
   EXPECT_EQ(acrossX.wrappedDistSquared({0, 0}, {511, 0}), 1);
   EXPECT_EQ(acrossX.wrappedDistSquared({0, 0}, {0, 255}), 255 * 255);
@@ -162,8 +152,7 @@ TEST(ChunkedWorld, WrappedDistanceTakesTheShortWayRoundEachAxisByItsOwnSize) {
   EXPECT_EQ(plain.wrappedDistSquared({-1500000000, 0}, {1500000000, 0}), std::int64_t{3000000000} * 3000000000);
 }
 
-TEST(ChunkedWorld, ChangesOutsideAnUnwrappedWorldAreDropped) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, ChangesOutsideAnUnwrappedWorldAreDropped) {
   SaveImage("ground.png", 256, 256, [](int, int) { return kGround; });
   ChunkedWorld world(nullptr, 2, 0, 1, MapOf("ground.png"));
   std::uint64_t const before = LocalBaseDigest(world);
@@ -190,36 +179,28 @@ TEST(ChunkedWorld, ChangesOutsideAnUnwrappedWorldAreDropped) {
   EXPECT_EQ(wrapped.getChunk(255, 5)->localBase().readPixel(255, 5), 0u);
 }
 
-TEST(ChunkedWorld, LocalBaseIsHashedChunkByChunkInGridOrder) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldMaps, LocalBaseIsHashedChunkByChunkInGridOrder) {
   // Four chunks, each its own colour, so that any other order gives another digest.
   SaveImage("grid.png", 512, 512, [](int x, int y) {
     return 0xFE000000u | static_cast<std::uint32_t>((x / 256) * 0x40 + (y / 256) * 0x4000);
   });
   ChunkedWorld world(nullptr, 1, 0, 1, MapOf("grid.png"));
-  XXHashHasher expected;
-  for (int row = 0; row < 2; ++row) {
-    for (int column = 0; column < 2; ++column) {
-      expected.update(world.getChunk(column * 256, row * 256)->localBase().pixels(), 262144);
+  auto const chunksInOrder = [&](bool rowByRow) {
+    XXHashHasher hasher;
+    for (int i = 0; i < 4; ++i) {
+      int const row = rowByRow ? i / 2 : i % 2;
+      int const column = rowByRow ? i % 2 : i / 2;
+      hasher.update(world.getChunk(column * 256, row * 256)->localBase().pixels(), 262144);
     }
-  }
-  EXPECT_EQ(LocalBaseDigest(world), expected.digest());
-  XXHashHasher columnMajor;
-  for (int column = 0; column < 2; ++column) {
-    for (int row = 0; row < 2; ++row) {
-      columnMajor.update(world.getChunk(column * 256, row * 256)->localBase().pixels(), 262144);
-    }
-  }
-  EXPECT_NE(LocalBaseDigest(world), columnMajor.digest());
+    return hasher.digest();
+  };
+  EXPECT_EQ(LocalBaseDigest(world), chunksInOrder(true));
+  EXPECT_NE(LocalBaseDigest(world), chunksInOrder(false));
   // World row 0 is the image's bottom row: the first chunk hashed is the image's bottom left.
   EXPECT_EQ(world.getChunk(0, 0)->localBase().readPixel(0, 0), 0xFE004000u);
 }
 
 // Rendering: the world on a software renderer.
-class ChunkedWorldRender : public ::testing::Test {
-protected:
-  ScopedDataDirectory directory;
-};
 
 TEST_F(ChunkedWorldRender, CameraWhollyOutsideAnUnwrappedWorldDrawsNothing) {
   SaveImage("block.png", 512, 256, [](int, int) { return 0xFFFF0000u; });
@@ -299,8 +280,7 @@ TEST_F(ChunkedWorldRender, TerrainLinesUpWithSprites) {
 
 // The whole world, several chunks, wrapping on x, units roaming across the seam and below the bottom
 // edge: every client must log the same answers and hold the same localBase frame by frame.
-TEST(ChunkedWorldLockstep, ClientsAgreeAcrossChunksSeamsAndEdges) {
-  ScopedDataDirectory directory;
+TEST_F(ChunkedWorldLockstep, ClientsAgreeAcrossChunksSeamsAndEdges) {
   auto const terrain = [](int x, int y) -> std::uint32_t {
     if ((x * 7 + y * 3) % 23 == 0) return 0xFF606060u;  // rock
     return (x / 3 + y / 5) % 3 == 0 ? 0x00000000u : kGround;

@@ -2,7 +2,6 @@
 
 #include <deque>
 #include <memory>
-#include <stdexcept>
 
 #include "GameRecordsWire.h"
 #include "IUICommandSource.h"
@@ -10,9 +9,12 @@
 #include "MainLoopContext.h"
 #include "SDL3App.h"
 #include "TestLog.h"
+#include "support/Checks.h"
 #include "support/FakeRunningGame.h"
 #include "support/HeadlessApp.h"
 #include "support/TempDirectory.h"
+
+using testing_support::ErrorText;
 
 namespace {
 
@@ -62,10 +64,20 @@ protected:
     return fake;
   }
 
-  FakeRunningGame& enterReplay(MainLoopContext& context, GameResult const& expected) {
+  // Puts the context into a replay of a game recorded to end at frame 40 (its players ended it early,
+  // at frame 25), whose session gives the recorded result but for the end-state checksum given. The
+  // test log is written in logDirectory.
+  FakeRunningGame& enterReplay(MainLoopContext& context, std::uint64_t reproducedChecksum) {
+    TestLog::init((logDirectory.path() / "log.jsonl").string());
+    GameResult expected;
+    expected.endFrame = 40;
+    expected.results = {{5, 9}, {3, 1}};
+    expected.endStateChecksum = 77;
     mainloop::ReplayState replay;
     auto game = std::make_unique<FakeRunningGame>(context.shared.games.refGame(Game::Vipers), 15, 1000);
     FakeRunningGame& fake = *game;
+    fake.result = expected;
+    fake.result.endStateChecksum = reproducedChecksum;
     replay.game = std::move(game);
     replay.players = {0, 1};
     replay.orderSource = std::make_unique<LocalOnlyOrderSource>(2, 0, 15);
@@ -78,9 +90,14 @@ protected:
     context.state = std::move(replay);
     return fake;
   }
+  std::string closedLog() {
+    TestLog::close();
+    return logDirectory.read("log.jsonl");
+  }
 
   static std::shared_ptr<SDL3App> app_;
   TempDirectory directory;
+  TempDirectory logDirectory;
   QueuedCommands source;
 };
 
@@ -187,16 +204,8 @@ TEST_F(MainLoopContextTest, PlayTutorialCountsTheAttemptBeforeTheLevelStarts) {
 }
 
 TEST_F(MainLoopContextTest, AReplayEndsAtTheRecordedEndAndProvesItsResult) {
-  TempDirectory logDirectory;
-  TestLog::init((logDirectory.path() / "log.jsonl").string());
   auto context = create();
-  GameResult expected;
-  expected.endFrame = 40;  // the players ended the game early, at frame 25
-  expected.results = {{5, 9}, {3, 1}};
-  expected.endStateChecksum = 77;
-  FakeRunningGame& game = enterReplay(*context, expected);
-  game.result = expected;
-
+  FakeRunningGame& game = enterReplay(*context, 77);
   // The session starts at frame 15 and would run to 1000; the background action brings its end
   // forward at frame 25, when frame + 15 is the recorded end, and it ends 15 frames later.
   for (int frame = 0; frame < 30; ++frame) {
@@ -209,47 +218,26 @@ TEST_F(MainLoopContextTest, AReplayEndsAtTheRecordedEndAndProvesItsResult) {
   source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
   context->runOneFrame(false);
   EXPECT_EQ(context->stateIndex(), 0u);
-  TestLog::close();
-  EXPECT_EQ(logDirectory.read("log.jsonl"),
+  EXPECT_EQ(closedLog(),
             "{\"event\":\"replay_verification\",\"matched\":true,\"end_frame\":40,\"end_state_checksum\":77}\n");
 }
 
 TEST_F(MainLoopContextTest, AReplayThatDoesntReproduceItsResultIsFatal) {
-  TempDirectory logDirectory;
-  TestLog::init((logDirectory.path() / "log.jsonl").string());
   auto context = create();
-  GameResult expected;
-  expected.endFrame = 40;
-  expected.results = {{5, 9}};
-  expected.endStateChecksum = 77;
-  FakeRunningGame& game = enterReplay(*context, expected);
-  game.result = expected;
-  game.result.endStateChecksum = 78;
-
+  enterReplay(*context, 78);
   for (int frame = 0; frame < 25; ++frame) {
     context->runOneFrame(false);
   }
   source.frames = {{UICmd::AbandonGame{}}};
-  try {
-    context->runOneFrame(false);
-    FAIL() << "a mismatch was accepted";
-  } catch (std::runtime_error const& error) {
-    EXPECT_STREQ(error.what(), "Result does not match expected result.");
-  }
-  TestLog::close();
-  EXPECT_EQ(logDirectory.read("log.jsonl"),
+  EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }), "Result does not match expected result.");
+  EXPECT_EQ(closedLog(),
             "{\"event\":\"replay_verification\",\"matched\":false,\"end_frame\":40,\"end_state_checksum\":78}\n");
 }
 
 TEST_F(MainLoopContextTest, ReplayingARecordingThatIsntThereIsAClearError) {
   auto context = create();
   source.frames = {{UICmd::ReplaySelectedRecording{0}}};
-  try {
-    context->runOneFrame(false);
-    FAIL() << "a replay of nothing started";
-  } catch (std::runtime_error const& error) {
-    EXPECT_STREQ(error.what(), "There is no recording number 0 to replay.");
-  }
+  EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }), "There is no recording number 0 to replay.");
 }
 
 TEST_F(MainLoopContextTest, PacedFramesRecordTheirSections) {

@@ -1,33 +1,27 @@
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <string>
 
 #include "TextureCache.h"
+#include "support/Checks.h"
 #include "support/TestImages.h"
 
+using testing_support::ErrorText;
 using testing_support::SaveImage;
-using testing_support::ScopedDataDirectory;
-using testing_support::SoftwareTarget;
 
 namespace {
 
-std::string ErrorText(std::function<void()> const& action) {
-  try {
-    action();
-  } catch (std::runtime_error const& error) {
-    return error.what();
-  }
-  return "no error";
-}
+class TextureCacheTest : public ::testing::Test {
+protected:
+  testing_support::ScopedDataDirectory directory;
+  testing_support::SoftwareTarget target{8, 8};
+  TextureCache cache{target.renderer()};
+};
 
 }  // namespace
 
-TEST(TextureCache, EachTextureIsLoadedOnceByName) {
-  ScopedDataDirectory directory;
+TEST_F(TextureCacheTest, EachTextureIsLoadedOnceByName) {
   SaveImage("icon.png", 4, 4, [](int, int) { return 0xFF336699u; });
-  SoftwareTarget target(8, 8);
-  TextureCache cache(target.renderer());
   SDL_Texture* colour = cache.getTexture("icon.png");
   ASSERT_NE(colour, nullptr);
   std::filesystem::remove("data/icon.png");  // no second read from disk
@@ -42,10 +36,7 @@ TEST(TextureCache, EachTextureIsLoadedOnceByName) {
   EXPECT_NE(asColour, grey);
 }
 
-TEST(TextureCache, MissingFilesFailOnFirstUseWithThePath) {
-  ScopedDataDirectory directory;
-  SoftwareTarget target(8, 8);
-  TextureCache cache(target.renderer());
+TEST_F(TextureCacheTest, MissingFilesFailOnFirstUseWithThePath) {
   std::string const colour = ErrorText([&] { cache.getTexture("absent.png"); });
   EXPECT_EQ(colour.rfind("Failed to load image: data/absent.png - ", 0), 0u) << colour;
   ::testing::internal::CaptureStderr();
@@ -54,12 +45,9 @@ TEST(TextureCache, MissingFilesFailOnFirstUseWithThePath) {
   EXPECT_EQ(grey.rfind("Failed to load greyscale texture: data/absent.png - ", 0), 0u) << grey;
 }
 
-TEST(TextureCache, GreyscaleColourIsGlobalToAllGreyscaleTextures) {
-  ScopedDataDirectory directory;
+TEST_F(TextureCacheTest, GreyscaleColourIsGlobalToAllGreyscaleTextures) {
   SaveImage("a.png", 2, 2, [](int, int) { return 0xFF000000u; });
   SaveImage("b.png", 2, 2, [](int, int) { return 0xFF000000u; });
-  SoftwareTarget target(8, 8);
-  TextureCache cache(target.renderer());
   EXPECT_EQ(cache.greyscaleColour().a, 255);
   EXPECT_EQ(cache.greyscaleColour().r, 255);
   SDL_Texture* a = cache.getGreyscaleTexture("a.png");

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 #include "Games.h"
 #include "TutorialLevelSettings.h"
+#include "support/Checks.h"
 
 TEST(TutorialLevelSettings, EachLevelTeachesOneKindOfOrderOnItsOwnMap) {
   Games const games;
@@ -41,10 +40,6 @@ TEST(TutorialLevelSettings, EachLevelTeachesOneKindOfOrderOnItsOwnMap) {
 
 TEST(TutorialLevelSettings, ALevelBeyondTheFourIsAClearError) {
   Games const games;
-  try {
-    TutorialLevelSettings(games.refGame(Game::GlowHorde).schema, 4);
-    FAIL() << "level 4 was accepted";
-  } catch (std::runtime_error const& error) {
-    EXPECT_STREQ(error.what(), "There is no tutorial level 4.");
-  }
+  EXPECT_EQ(testing_support::ErrorText([&] { TutorialLevelSettings(games.refGame(Game::GlowHorde).schema, 4); }),
+            "There is no tutorial level 4.");
 }
