@@ -27,6 +27,25 @@ GridWorld Floor(int width, int height, bool wrapX = false) {
   return world;
 }
 
+// A cliff: ground in columns 0 to 9 up to y = 10, so that a unit at (9, 11) stands at its edge.
+GridWorld Cliff(int width, int height) {
+  GridWorld world(width, height);
+  world.fill(0, 0, 9, 10, Cell::Ground);
+  return world;
+}
+
+// A slab of ground 41 rows thick across a 24 by 48 world: units stand at y = 41.
+GridWorld Slab() {
+  GridWorld world(24, 48);
+  world.fill(0, 0, 23, 40, Cell::Ground);
+  return world;
+}
+
+Lemming Ordered(Lemming unit, A activity, T trigger) {
+  unit.give_order(activity, trigger);
+  return unit;
+}
+
 bool ColumnIs(GridWorld const& world, int x, int y0, int y1, Cell cell) {
   for (int y = y0; y <= y1; ++y) {
     if (world.cell(x, y) != cell) {
@@ -60,11 +79,9 @@ TEST(LemmingWalk, ClimbsFourPixelsInOneFrameAndTurnsAtFive) {
 }
 
 TEST(LemmingWalk, FivePixelLedgeLandsInTheSameFrameAndKeepsBeforeFallingPending) {
-  GridWorld world(20, 16);
-  world.fill(0, 0, 9, 10, Cell::Ground);
+  GridWorld world = Cliff(20, 16);
   world.fill(10, 0, 19, 5, Cell::Ground);
-  Lemming unit(0, P(9, 11), true);
-  unit.give_order(A::Bridge, T::BeforeFalling);
+  Lemming unit = Ordered(Lemming(0, P(9, 11), true), A::Bridge, T::BeforeFalling);
   StepFrame(unit, world);
   EXPECT_EQ(unit.position(), P(10, 6));
   EXPECT_FALSE(unit.inAir());
@@ -76,8 +93,7 @@ TEST(LemmingWalk, FivePixelLedgeLandsInTheSameFrameAndKeepsBeforeFallingPending)
 }
 
 TEST(LemmingWalk, SixPixelLedgePutsTheUnitInTheAir) {
-  GridWorld world(20, 16);
-  world.fill(0, 0, 9, 10, Cell::Ground);
+  GridWorld world = Cliff(20, 16);
   world.fill(10, 0, 19, 4, Cell::Ground);
   Lemming unit(0, P(9, 11), true);
   StepFrame(unit, world);
@@ -91,8 +107,7 @@ TEST(LemmingWalk, SixPixelLedgePutsTheUnitInTheAir) {
   EXPECT_FALSE(unit.inAir());
 
   // A pending dig down doesn't sink the unit: it falls like any walker.
-  Lemming pending(1, P(9, 11), true);
-  pending.give_order(A::DigDown, T::WhenBlocked);
+  Lemming pending = Ordered(Lemming(1, P(9, 11), true), A::DigDown, T::WhenBlocked);
   StepFrames(pending, world, 2);
   EXPECT_EQ(pending.position(), P(10, 5));
   EXPECT_TRUE(pending.inAir());
@@ -100,18 +115,15 @@ TEST(LemmingWalk, SixPixelLedgePutsTheUnitInTheAir) {
 
 TEST(LemmingWalk, FallingEndsARunningActivityButKeepsAPendingOne) {
   GridWorld world = Floor(20, 40);
-  Lemming pending(0, P(10, 30), true);
-  pending.give_order(A::DigSideways, T::WhenBlocked);
-  Lemming running(1, P(10, 30), true);
-  running.give_order(A::Bridge, T::Immediate);
+  Lemming pending = Ordered(Lemming(0, P(10, 30), true), A::DigSideways, T::WhenBlocked);
+  Lemming running = Ordered(Lemming(1, P(10, 30), true), A::Bridge, T::Immediate);
 
   StepFrame(running, world);
   EXPECT_FALSE(running.activity().has_value());
   EXPECT_TRUE(running.inAir());
 
   // Already falling, a BeforeFalling order isn't fired by the fall it is in.
-  Lemming beforeFalling(2, P(10, 30), true);
-  beforeFalling.give_order(A::Bridge, T::BeforeFalling);
+  Lemming beforeFalling = Ordered(Lemming(2, P(10, 30), true), A::Bridge, T::BeforeFalling);
   StepFrames(beforeFalling, world, 30);
   EXPECT_EQ(beforeFalling.position(), P(12, 2));
   EXPECT_EQ(beforeFalling.trigger(), T::BeforeFalling);
@@ -129,11 +141,9 @@ TEST(LemmingWalk, FallingEndsARunningActivityButKeepsAPendingOne) {
 // --- Triggers ---
 
 TEST(LemmingTrigger, BeforeFallingFiresTwoStepsAheadSoTheBridgeBeginsAtTheEdge) {
-  GridWorld world(40, 24);
-  world.fill(0, 0, 9, 10, Cell::Ground);
+  GridWorld world = Cliff(40, 24);
   world.fill(10, 0, 39, 4, Cell::Ground);
-  Lemming unit(0, P(8, 11), true);
-  unit.give_order(A::Bridge, T::BeforeFalling);
+  Lemming unit = Ordered(Lemming(0, P(8, 11), true), A::Bridge, T::BeforeFalling);
 
   StepFrame(unit, world); // the fall is three steps away yet
   EXPECT_EQ(unit.position(), P(9, 11));
@@ -166,8 +176,7 @@ TEST(LemmingTrigger, BeforeFallingFiresTwoStepsAheadSoTheBridgeBeginsAtTheEdge) 
 TEST(LemmingTrigger, WhenBlockedFiresInTheFrameTheUnitWouldTurn) {
   GridWorld world = Floor(20, 16);
   world.fill(12, 2, 19, 12, Cell::Ground);
-  Lemming unit(0, P(9, 2), true);
-  unit.give_order(A::DigSideways, T::WhenBlocked);
+  Lemming unit = Ordered(Lemming(0, P(9, 2), true), A::DigSideways, T::WhenBlocked);
   StepFrames(unit, world, 2);
   EXPECT_EQ(unit.position(), P(11, 2));
   EXPECT_EQ(unit.trigger(), T::WhenBlocked);
@@ -189,8 +198,7 @@ TEST(LemmingTrigger, WhenBlockedFiresInTheFrameTheUnitWouldTurn) {
 TEST(LemmingTrigger, AfterTurningArmsAfterTheTurnAndStartsNextFrame) {
   GridWorld world = Floor(20, 16);
   world.fill(12, 2, 19, 12, Cell::Ground);
-  Lemming unit(0, P(10, 2), true);
-  unit.give_order(A::Block, T::AfterTurning);
+  Lemming unit = Ordered(Lemming(0, P(10, 2), true), A::Block, T::AfterTurning);
   StepFrame(unit, world);
   EXPECT_EQ(unit.trigger(), T::AfterTurning);
 
@@ -227,8 +235,7 @@ TEST(LemmingTrigger, LookAheadLeavesNoTraceAndDiscardingWorldForwardsReads) {
   // queues nothing until its own order fires.
   GridWorld scene = Floor(20, 16);
   scene.fill(14, 2, 19, 12, Cell::Ground);
-  Lemming unit(0, P(9, 2), true);
-  unit.give_order(A::DigSideways, T::WhenBlocked);
+  Lemming unit = Ordered(Lemming(0, P(9, 2), true), A::DigSideways, T::WhenBlocked);
   for (int frame = 1; frame <= 3; ++frame) {
     StepFrame(unit, scene);
     EXPECT_EQ(unit.position(), P(9 + frame, 2));
@@ -240,10 +247,8 @@ TEST(LemmingTrigger, LookAheadLeavesNoTraceAndDiscardingWorldForwardsReads) {
 // --- Bridges ---
 
 TEST(LemmingBridge, OverOpenSpaceLaysUntil220ThenWaitsAndEndsAt321) {
-  GridWorld world(128, 64);
-  world.fill(0, 0, 9, 10, Cell::Ground);
-  Lemming unit(0, P(9, 11), true);
-  unit.give_order(A::Bridge, T::Immediate);
+  GridWorld world = Cliff(128, 64);
+  Lemming unit = Ordered(Lemming(0, P(9, 11), true), A::Bridge, T::Immediate);
 
   for (int n = 1; n <= 28; ++n) { // 28 cycles of eight frames: 224 frames
     StepFrames(unit, world, 8);
@@ -274,8 +279,7 @@ TEST(LemmingBridge, FootingAheadEndsItOnlyOnceLayingIsDoneAndOnlyWithinFiveBelow
     GridWorld world(128, 64);
     world.fill(0, 0, 9, 10, Cell::Ground);
     world.set(94, footing, Cell::Ground);
-    Lemming unit(0, P(9, 11), true);
-    unit.give_order(A::Bridge, T::Immediate);
+    Lemming unit = Ordered(Lemming(0, P(9, 11), true), A::Bridge, T::Immediate);
     StepFrames(unit, world, 224);
     EXPECT_EQ(unit.activity(), A::Bridge) << footing;
     StepFrame(unit, world);
@@ -285,10 +289,8 @@ TEST(LemmingBridge, FootingAheadEndsItOnlyOnceLayingIsDoneAndOnlyWithinFiveBelow
 }
 
 TEST(LemmingBridge, HorizontalBridgeStaysLevel) {
-  GridWorld world(40, 24);
-  world.fill(0, 0, 9, 10, Cell::Ground);
-  Lemming unit(0, P(9, 11), true);
-  unit.give_order(A::HorizontalBridge, T::Immediate);
+  GridWorld world = Cliff(40, 24);
+  Lemming unit = Ordered(Lemming(0, P(9, 11), true), A::HorizontalBridge, T::Immediate);
   StepFrames(unit, world, 8);
   EXPECT_EQ(unit.position(), P(12, 11));
   EXPECT_TRUE(ColumnIs(world, 10, 10, 10, Cell::Ground));
@@ -300,11 +302,9 @@ TEST(LemmingBridge, HorizontalBridgeStaysLevel) {
 }
 
 TEST(LemmingBridge, EndsAtAWallOnePixelHigherWithNoMove) {
-  GridWorld world(40, 40);
-  world.fill(0, 0, 9, 10, Cell::Ground);
+  GridWorld world = Cliff(40, 40);
   world.fill(12, 0, 39, 30, Cell::Ground);
-  Lemming unit(0, P(9, 11), true);
-  unit.give_order(A::Bridge, T::Immediate);
+  Lemming unit = Ordered(Lemming(0, P(9, 11), true), A::Bridge, T::Immediate);
   StepFrames(unit, world, 7);
   EXPECT_EQ(unit.position(), P(9, 11));
   StepFrame(unit, world);
@@ -313,11 +313,9 @@ TEST(LemmingBridge, EndsAtAWallOnePixelHigherWithNoMove) {
   EXPECT_EQ(world.queuedAdds(), 3) << "the pixels are laid before the wall is found";
 
   // A single pixel in the third column is no wall: the unit moves on and steps up onto it.
-  GridWorld bump(40, 40);
-  bump.fill(0, 0, 9, 10, Cell::Ground);
+  GridWorld bump = Cliff(40, 40);
   bump.set(12, 12, Cell::Ground);
-  Lemming climber(1, P(9, 11), true);
-  climber.give_order(A::Bridge, T::Immediate);
+  Lemming climber = Ordered(Lemming(1, P(9, 11), true), A::Bridge, T::Immediate);
   StepFrames(climber, bump, 8);
   EXPECT_EQ(climber.position(), P(12, 13));
   EXPECT_EQ(climber.activity(), A::Bridge);
@@ -327,8 +325,7 @@ TEST(LemmingBridge, EndsAtAWallOnePixelHigherWithNoMove) {
 
 TEST(LemmingRaise, LaysEverySixthFrameAndEndsAfter300) {
   GridWorld world = Floor(80, 12);
-  Lemming unit(0, P(10, 2), true);
-  unit.give_order(A::RaiseGround, T::Immediate);
+  Lemming unit = Ordered(Lemming(0, P(10, 2), true), A::RaiseGround, T::Immediate);
   StepFrames(unit, world, 5);
   EXPECT_EQ(world.queuedAdds(), 0);
   StepFrame(unit, world);
@@ -350,8 +347,7 @@ TEST(LemmingRaise, LaysEverySixthFrameAndEndsAfter300) {
 TEST(LemmingRaise, TurnsAtAStepInsteadOfClimbing) {
   GridWorld world = Floor(20, 12);
   world.fill(12, 2, 19, 3, Cell::Ground);
-  Lemming raiser(0, P(10, 2), true);
-  raiser.give_order(A::RaiseGround, T::Immediate);
+  Lemming raiser = Ordered(Lemming(0, P(10, 2), true), A::RaiseGround, T::Immediate);
   StepFrames(raiser, world, 12);
   EXPECT_EQ(raiser.position(), P(11, 3));
   EXPECT_FALSE(raiser.facingRight());
@@ -366,8 +362,7 @@ TEST(LemmingRaise, TurnsAtAStepInsteadOfClimbing) {
 TEST(LemmingDigSideways, DigsAColumnOfSixEveryFiveFramesStopsAfter230AndEndsAt331) {
   GridWorld world = Floor(128, 24);
   world.fill(11, 2, 100, 20, Cell::Ground);
-  Lemming unit(0, P(10, 2), true);
-  unit.give_order(A::DigSideways, T::Immediate);
+  Lemming unit = Ordered(Lemming(0, P(10, 2), true), A::DigSideways, T::Immediate);
   StepFrames(unit, world, 3);
   EXPECT_EQ(world.queuedRemoves(), 0);
   StepFrame(unit, world);
@@ -393,8 +388,7 @@ TEST(LemmingDigSideways, RockRefusesTheDigSoTheUnitTurnsAndDigsTheOtherWay) {
   GridWorld world = Floor(40, 24);
   world.fill(11, 2, 39, 20, Cell::Rock);
   world.fill(0, 2, 8, 20, Cell::Ground);
-  Lemming unit(0, P(10, 2), true);
-  unit.give_order(A::DigSideways, T::Immediate);
+  Lemming unit = Ordered(Lemming(0, P(10, 2), true), A::DigSideways, T::Immediate);
   StepFrames(unit, world, 4);
   EXPECT_EQ(world.queuedRemoves(), 0) << "rock takes no change";
   StepFrame(unit, world);
@@ -412,8 +406,7 @@ TEST(LemmingDigSideways, RockRefusesTheDigSoTheUnitTurnsAndDigsTheOtherWay) {
 TEST(LemmingDigUpwards, WalksEveryFourthFrameInTheOpenThenClimbsTwoPerDig) {
   GridWorld world = Floor(40, 24);
   world.fill(14, 2, 39, 20, Cell::Ground);
-  Lemming unit(0, P(10, 2), true);
-  unit.give_order(A::DigUpwards, T::Immediate);
+  Lemming unit = Ordered(Lemming(0, P(10, 2), true), A::DigUpwards, T::Immediate);
   for (int step = 1; step <= 3; ++step) {
     StepFrames(unit, world, 3);
     EXPECT_EQ(unit.position(), P(9 + step, 2));
@@ -433,10 +426,8 @@ TEST(LemmingDigUpwards, WalksEveryFourthFrameInTheOpenThenClimbsTwoPerDig) {
 }
 
 TEST(LemmingDigDown, RemovesARowOfFiveEveryThirdFrameSinksAndEndsAfter70) {
-  GridWorld world(24, 48);
-  world.fill(0, 0, 23, 40, Cell::Ground);
-  Lemming unit(0, P(10, 41), true);
-  unit.give_order(A::DigDown, T::Immediate);
+  GridWorld world = Slab();
+  Lemming unit = Ordered(Lemming(0, P(10, 41), true), A::DigDown, T::Immediate);
   StepFrames(unit, world, 2);
   EXPECT_EQ(world.queuedRemoves(), 0);
   StepFrame(unit, world);
@@ -461,11 +452,9 @@ TEST(LemmingDigDown, RemovesARowOfFiveEveryThirdFrameSinksAndEndsAfter70) {
 }
 
 TEST(LemmingDigDown, BreakingIntoACaveEndsItAsTheUnitFalls) {
-  GridWorld world(24, 48);
-  world.fill(0, 0, 23, 40, Cell::Ground);
+  GridWorld world = Slab();
   world.fill(5, 30, 15, 35, Cell::Empty);
-  Lemming unit(0, P(10, 41), true);
-  unit.give_order(A::DigDown, T::Immediate);
+  Lemming unit = Ordered(Lemming(0, P(10, 41), true), A::DigDown, T::Immediate);
   StepFrames(unit, world, 15);
   EXPECT_EQ(unit.position(), P(10, 37));
   EXPECT_EQ(unit.activity(), A::DigDown);
@@ -489,8 +478,7 @@ TEST(LemmingBlock, BuildsAColumnFiveAboveTheGroundBehind) {
     world.fill(0, 0, 19, 7, Cell::Ground);
     world.fill(9, 0, 9, 23, Cell::Empty);
     world.fill(9, 0, 9, c.behindTop, Cell::Ground);
-    Lemming unit(0, P(10, 8), true);
-    unit.give_order(A::Block, T::Immediate);
+    Lemming unit = Ordered(Lemming(0, P(10, 8), true), A::Block, T::Immediate);
     StepFrame(unit, world);
     EXPECT_EQ(world.queuedAdds(), c.expectedTop - 8 + 1) << c.name;
     EXPECT_TRUE(ColumnIs(world, 10, 8, c.expectedTop, Cell::Ground)) << c.name;
@@ -500,8 +488,7 @@ TEST(LemmingBlock, BuildsAColumnFiveAboveTheGroundBehind) {
 
 TEST(LemmingBlock, TurnsWalkersHoldsForeverAndEndsOnlyByFallingLeavingTheWall) {
   GridWorld world = Floor(20, 16);
-  Lemming blocker(0, P(10, 2), true);
-  blocker.give_order(A::Block, T::Immediate);
+  Lemming blocker = Ordered(Lemming(0, P(10, 2), true), A::Block, T::Immediate);
   Lemming walker(1, P(13, 2), false);
   for (int frame = 0; frame < 3; ++frame) {
     blocker.update(world);
@@ -525,10 +512,8 @@ TEST(LemmingBlock, TurnsWalkersHoldsForeverAndEndsOnlyByFallingLeavingTheWall) {
 // --- Orders ---
 
 TEST(LemmingOrder, ASecondOrderRestartsTheCountersAndForgetsTheOldActivity) {
-  GridWorld world(24, 48);
-  world.fill(0, 0, 23, 40, Cell::Ground);
-  Lemming unit(0, P(10, 41), true);
-  unit.give_order(A::DigDown, T::Immediate);
+  GridWorld world = Slab();
+  Lemming unit = Ordered(Lemming(0, P(10, 41), true), A::DigDown, T::Immediate);
   StepFrames(unit, world, 4);
   EXPECT_EQ(unit.activityFrames(), 4);
   EXPECT_EQ(unit.actionTimer(), 1);
@@ -543,8 +528,7 @@ TEST(LemmingOrder, ASecondOrderRestartsTheCountersAndForgetsTheOldActivity) {
 
   // A pending order replaces a running one: the unit walks and digs nothing.
   Lemming digger(1, P(10, 41), true);
-  GridWorld other(24, 48);
-  other.fill(0, 0, 23, 40, Cell::Ground);
+  GridWorld other = Slab();
   digger.give_order(A::DigDown, T::Immediate);
   StepFrames(digger, other, 2);
   digger.give_order(A::DigSideways, T::WhenBlocked);
@@ -618,10 +602,8 @@ TEST(LemmingHash, BytesOfANewUnitAreExact) {
 }
 
 TEST(LemmingHash, BytesOfARunningUnitAreExactAndHashFeedsThemFieldByField) {
-  GridWorld world(24, 48);
-  world.fill(0, 0, 23, 40, Cell::Ground);
-  Lemming unit(7, P(10, 41), false);
-  unit.give_order(A::DigDown, T::Immediate);
+  GridWorld world = Slab();
+  Lemming unit = Ordered(Lemming(7, P(10, 41), false), A::DigDown, T::Immediate);
   StepFrames(unit, world, 2);
   std::vector<unsigned char> const expected = {
       0x07, 0x00,             // id
@@ -657,7 +639,6 @@ TEST(LemmingHash, TriggerIsNotHashedButEveryOtherFieldIs) {
   Lemming c = a;
   c.give_order(A::DigDown, T::WhenBlocked);
   EXPECT_NE(Serialised(a), Serialised(c));
-  Lemming d(1, P(5, 5), false);
-  d.give_order(A::Block, T::WhenBlocked);
+  Lemming d = Ordered(Lemming(1, P(5, 5), false), A::Block, T::WhenBlocked);
   EXPECT_NE(Serialised(a), Serialised(d));
 }

@@ -59,6 +59,11 @@ protected:
 
   struct Seen {
     std::uint32_t a, b, c, icon, entry;
+    bool operator==(Seen const&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, Seen const& s) {
+      return out << std::hex << "a " << s.a << ", b " << s.b << ", c " << s.c << ", icon " << s.icon << ", entry "
+                 << s.entry;
+    }
   };
   Seen look() {
     target.flush();
@@ -74,45 +79,35 @@ protected:
 
 } // namespace
 
-TEST_F(PlayerStateDrawing, FilterAndImmediateTriggerSplitUnitsBetweenTheTwoPasses) {
+TEST_F(PlayerStateDrawing, FilterAndTriggerSplitUnitsBetweenTheTwoPasses) {
   ASSERT_TRUE(state.lemmings().size() == 3 && state.lemmings()[2].inAir());
-
-  state.render(renderer(), DirectionFilter::FacingLeft, LemmingActivityTrigger::Immediate);
-  Seen seen = look();
-  EXPECT_EQ(seen.a, kBlack) << "faces the other way";
-  EXPECT_EQ(seen.b, kTint);
-  EXPECT_EQ(seen.c, kBlack);
-  EXPECT_EQ(seen.icon, kRed) << "a pending order shows whatever the filter";
-  EXPECT_EQ(seen.entry, kTint);
-
-  target.clear(kBlack);
-  state.renderLowAlpha(renderer(), DirectionFilter::FacingLeft, LemmingActivityTrigger::Immediate);
-  seen = look();
-  EXPECT_EQ(seen.a, kTint);
-  EXPECT_EQ(seen.b, kBlack);
-  EXPECT_EQ(seen.c, kTint);
-  EXPECT_EQ(seen.icon, kBlack);
-  EXPECT_EQ(seen.entry, kBlack);
-
-  target.clear(kBlack);
-  state.render(renderer(), DirectionFilter::FacingRight, LemmingActivityTrigger::Immediate);
-  seen = look();
-  EXPECT_EQ(seen.a, kTint);
-  EXPECT_EQ(seen.b, kBlack);
-  EXPECT_EQ(seen.c, kBlack) << "a falling unit can't take an immediate order";
-}
-
-TEST_F(PlayerStateDrawing, WithAWaitingTriggerFallingUnitsAreSelectableAndShown) {
-  state.render(renderer(), DirectionFilter::Any, LemmingActivityTrigger::BeforeFalling);
-  Seen seen = look();
-  EXPECT_EQ(seen.a, kTint);
-  EXPECT_EQ(seen.b, kTint);
-  EXPECT_EQ(seen.c, kTint);
-
-  target.clear(kBlack);
-  state.renderLowAlpha(renderer(), DirectionFilter::Any, LemmingActivityTrigger::BeforeFalling);
-  seen = look();
-  EXPECT_EQ(seen.a, kBlack);
-  EXPECT_EQ(seen.b, kBlack);
-  EXPECT_EQ(seen.c, kBlack);
+  using F = DirectionFilter;
+  using T = LemmingActivityTrigger;
+  struct Case {
+    char const* why;
+    bool lowAlpha;
+    F filter;
+    T trigger;
+    Seen expected;
+  };
+  Case const cases[] = {
+      // A faces the other way and C can't take an immediate order while falling; a pending order's
+      // icon shows whatever the filter.
+      {"left, immediate", false, F::FacingLeft, T::Immediate, {kBlack, kTint, kBlack, kRed, kTint}},
+      {"left, immediate, the others", true, F::FacingLeft, T::Immediate, {kTint, kBlack, kTint, kBlack, kBlack}},
+      {"right, immediate", false, F::FacingRight, T::Immediate, {kTint, kBlack, kBlack, kRed, kTint}},
+      // With a waiting trigger a falling unit is selectable too.
+      {"any, waiting", false, F::Any, T::BeforeFalling, {kTint, kTint, kTint, kRed, kTint}},
+      {"any, waiting, the others", true, F::Any, T::BeforeFalling, {kBlack, kBlack, kBlack, kBlack, kBlack}},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.why);
+    target.clear(kBlack);
+    if (c.lowAlpha) {
+      state.renderLowAlpha(renderer(), c.filter, c.trigger);
+    } else {
+      state.render(renderer(), c.filter, c.trigger);
+    }
+    EXPECT_EQ(look(), c.expected);
+  }
 }
