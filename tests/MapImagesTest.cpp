@@ -101,28 +101,14 @@ TEST(ApplyMapTransformations, RotateFourWaysTurnsCopiesAboutTheCentre) {
         EXPECT_EQ(SurfacePixel(result.get(), c, side + r), Tag(c, r));
       }
     }
-    // Turning the whole image a quarter about its centre gives the same image back.
+    // Turning the whole image a quarter about its centre gives the same image back; with the bottom
+    // left quarter that fixes every pixel.
     for (int r = 0; r < n; ++r) {
       for (int c = 0; c < n; ++c) {
         EXPECT_EQ(SurfacePixel(result.get(), n - 1 - r, c), SurfacePixel(result.get(), c, r)) << r << "," << c;
       }
     }
   }
-  // The 2 by 2 case pixel by pixel: the source at row 1, column 1 and its three copies.
-  SurfacePtr source = Tagged(2, 2);
-  MapSettings map;
-  map.rotateFourWays = true;
-  SurfacePtr result(ApplyMapTransformations(source.get(), map));
-  std::uint32_t const corner = Tag(1, 1);
-  EXPECT_EQ(SurfacePixel(result.get(), 1, 3), corner);  // row 3, column 1
-  EXPECT_EQ(SurfacePixel(result.get(), 0, 1), corner);  // row 1, column 0
-  EXPECT_EQ(SurfacePixel(result.get(), 2, 0), corner);  // row 0, column 2
-  EXPECT_EQ(SurfacePixel(result.get(), 3, 2), corner);  // row 2, column 3
-  int copies = 0;
-  for (int r = 0; r < 4; ++r) {
-    for (int c = 0; c < 4; ++c) copies += SurfacePixel(result.get(), c, r) == corner;
-  }
-  EXPECT_EQ(copies, 4);
 }
 
 TEST(ApplyMapTransformations, RotatingANonSquareImageIsRefused) {

@@ -12,6 +12,9 @@ using Pointer = GlowHordeControls::Pointer;
 using T = LemmingActivityTrigger;
 constexpr int k_screenWidth = 1280;
 constexpr int k_screenHeight = 720;
+// The default trigger of each activity, in activity order.
+std::vector<T> const k_defaultTriggers{T::Immediate, T::BeforeFalling, T::Immediate, T::Immediate,
+                                      T::Immediate, T::WhenBlocked,   T::WhenBlocked};
 
 SDL_Event Key(SDL_Scancode scancode) {
   SDL_Event event{};
@@ -70,13 +73,11 @@ TEST(GlowHordeControls, ArrowsSetTheDirectionFilterTheTriggerOverrideAndTheCurso
 
 TEST(GlowHordeControls, FunctionKeysChooseTheActivityAndItsDefaultTriggerApplies) {
   GlowHordeControls controls(1024, 1024, false, false);
-  std::vector<T> const expected{T::Immediate, T::BeforeFalling, T::Immediate, T::Immediate,
-                                T::Immediate, T::WhenBlocked,   T::WhenBlocked};
-  EXPECT_EQ(controls.defaultTriggers(), expected);
+  EXPECT_EQ(controls.defaultTriggers(), k_defaultTriggers);
   for (int f = 0; f < 7; ++f) {
     controls.handleEvent(Key(static_cast<SDL_Scancode>(SDL_SCANCODE_F1 + f)), {});
     EXPECT_EQ(controls.selectedActivity(), static_cast<LemmingActivity>(f));
-    EXPECT_EQ(controls.triggerInEffect(), expected[static_cast<std::size_t>(f)]);
+    EXPECT_EQ(controls.triggerInEffect(), k_defaultTriggers[static_cast<std::size_t>(f)]);
   }
   controls.handleEvent(Key(SDL_SCANCODE_F8), {});
   EXPECT_EQ(controls.selectedActivity(), LemmingActivity::DigUpwards);
@@ -205,8 +206,7 @@ TEST(GlowHordeControls, TheMiddleButtonDragsTheWorldPointAlongWithThePointer) {
 }
 
 TEST(UIOrderText, ParsesPositionKeywordAndTheWordsAfterIt) {
-  std::vector<T> const defaults{T::Immediate, T::BeforeFalling, T::Immediate, T::Immediate,
-                                T::Immediate, T::WhenBlocked,   T::WhenBlocked};
+  std::vector<T> const& defaults = k_defaultTriggers;
   EXPECT_EQ(ParseUIOrderText("100,200 dig_down", defaults),
             (UIOrder{100, 200, LemmingActivity::DigDown, T::Immediate, DirectionFilter::Any}));
   EXPECT_EQ(ParseUIOrderText("560,560 bridge left falling", defaults),
