@@ -34,29 +34,11 @@ TEST(LobbyRecordsWire, GameRoomFieldByField) {
 }
 
 TEST(LobbyRecordsWire, EveryRecordRoundTrips) {
-  LobbyState lobby;
-  ReadOutcome outcome = Decode(Encode(samples::Lobby()), lobby);
-  EXPECT_TRUE(outcome.ok);
-  EXPECT_EQ(outcome.remaining, 0u);
-  EXPECT_EQ(lobby, samples::Lobby());
-
-  GameRoom room;
-  EXPECT_TRUE(Decode(Encode(samples::Room()), room).ok);
-  EXPECT_EQ(room, samples::Room());
-
-  RunningGameState running;
-  EXPECT_TRUE(Decode(Encode(samples::Running()), running).ok);
-  EXPECT_EQ(running, samples::Running());
-
-  GameResults results;
-  outcome = Decode(Encode(samples::Results()), results);
-  EXPECT_TRUE(outcome.ok);
-  EXPECT_EQ(outcome.remaining, 0u);
-  EXPECT_EQ(results, samples::Results());
-
-  PlayerNameInfo name;
-  EXPECT_TRUE(Decode(Encode(PlayerNameInfo{{1, 2}, "Name"}), name).ok);
-  EXPECT_EQ(name, (PlayerNameInfo{{1, 2}, "Name"}));
+  EXPECT_TRUE(RoundTrips(samples::Lobby()));
+  EXPECT_TRUE(RoundTrips(samples::Room()));
+  EXPECT_TRUE(RoundTrips(samples::Running()));
+  EXPECT_TRUE(RoundTrips(samples::Results()));
+  EXPECT_TRUE(RoundTrips(PlayerNameInfo{{1, 2}, "Name"}));
 }
 
 TEST(LobbyRecordsWire, ReadingOverAnOldStateReusesAndReplacesIt) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <initializer_list>
 #include <vector>
@@ -58,6 +60,20 @@ ReadOutcome Decode(Bytes const& bytes, T& value) {
   outcome.consumed = static_cast<std::size_t>(cursor - bytes.data());
   outcome.remaining = remaining;
   return outcome;
+}
+
+// Whether value, written and read back into a fresh T, reads whole and equal.
+template <class T>
+::testing::AssertionResult RoundTrips(T const& value) {
+  T read{};
+  ReadOutcome const outcome = Decode(Encode(value), read);
+  if (!outcome.ok || outcome.remaining != 0) {
+    return ::testing::AssertionFailure() << "not read whole: ok " << outcome.ok << ", " << outcome.remaining << " left";
+  }
+  if (!(read == value)) {
+    return ::testing::AssertionFailure() << "read back as another value";
+  }
+  return ::testing::AssertionSuccess();
 }
 
 }  // namespace testbytes
