@@ -142,6 +142,8 @@ TEST(MapRoutes, CauldronsAloneReachesTheOwnExitInTheNextCauldron) {
   ASSERT_EQ(game.results[0].results.size(), 1u);
   EXPECT_GE(game.results[0].results[0][0], 1);
   EXPECT_EQ(game.outByExit[0][0], game.results[0].results[0][0]);
+  // Not before the last bridge was begun.
+  EXPECT_GT(game.firstOutFrame[0], k_cauldronsAlone.back().frame);
 
   // Three bridges end over the cauldron's right wall, 81 px short of the next ledge: nobody gets out.
   std::vector<ScriptedClick> const short3 = Without(k_cauldronsAlone, "horizontal_bridge", 3);
@@ -171,9 +173,13 @@ TEST_P(AstralStepsRoute, EveryPlayerBringsUnitsToTheExitWithinTheChallengesCount
   // The counts are the challenge's: an order beyond them would be refused.
   ExpectEveryOrderTook(game, clicks);
   ASSERT_EQ(game.outByExit.size(), 1u);
+  // Nobody before the last wall was dug.
+  auto const lastDig = std::find_if(clicks.rbegin(), clicks.rend(),
+                                    [](auto const& c) { return c.text.find("dig_upwards") != std::string::npos; });
   int total = 0;
   for (int p = 0; p < players; ++p) {
     EXPECT_GE(game.outByExit[0][static_cast<std::size_t>(p)], 1) << "player " << p;
+    EXPECT_GT(game.firstOutFrame[static_cast<std::size_t>(p)], lastDig->frame) << "player " << p;
     total += game.outByExit[0][static_cast<std::size_t>(p)];
   }
   EXPECT_EQ(game.results[0].results[0][0], total);

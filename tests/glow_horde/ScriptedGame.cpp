@@ -1,5 +1,6 @@
 #include "glow_horde/ScriptedGame.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <optional>
@@ -29,6 +30,14 @@ std::int64_t DistanceSquared(Position a, Position b) {
   std::int64_t const dx = a.x - b.x;
   std::int64_t const dy = a.y - b.y;
   return dx * dx + dy * dy;
+}
+
+int TotalOut(GlowHordeSimulation const& simulation) {
+  int out = 0;
+  for (int n : simulation.exitedCounts()) {
+    out += n;
+  }
+  return out;
 }
 
 }  // namespace
@@ -76,6 +85,7 @@ ScriptedGame PlayScriptedGame(std::string const& namedSettings, int players, std
   }
   std::vector<std::size_t> next(count, 0);
   std::map<std::uint32_t, std::vector<Bytes>> sent;  // by frame of giving: each player's order
+  std::vector<std::vector<std::pair<std::uint16_t, Position>>> before(count);
 
   while (!reference.gameEnded()) {
     std::uint32_t const frame = reference.frame();
@@ -102,32 +112,36 @@ ScriptedGame PlayScriptedGame(std::string const& namedSettings, int players, std
 
     // Client 0 sees which player's units leave, and where: each unit that is gone after the step
     // left at the exit nearest where it stood before it.
-    std::vector<std::map<std::uint16_t, Position>> before(count);
     for (std::size_t p = 0; p < count; ++p) {
+      before[p].clear();
       for (Lemming const& unit : reference.players()[p].lemmings()) {
-        before[p][unit.id()] = unit.position();
+        before[p].push_back({unit.id(), unit.position()});
       }
     }
+    int const outBefore = TotalOut(reference);
     for (std::size_t c = 0; c < count; ++c) {
       if (clients[c]->update(arriving, ours[c]).localOrderAccepted) {
         game.ordersAccepted[c] += 1;
       }
     }
-    for (std::size_t p = 0; p < count; ++p) {
-      for (Lemming const& unit : reference.players()[p].lemmings()) {
-        before[p].erase(unit.id());
-      }
-      for (auto const& [id, position] : before[p]) {
-        std::size_t nearest = 0;
-        for (std::size_t e = 1; e < reference.exitPositions().size(); ++e) {
-          if (DistanceSquared(position, reference.exitPositions()[e]) <
-              DistanceSquared(position, reference.exitPositions()[nearest])) {
-            nearest = e;
+    if (TotalOut(reference) != outBefore) {
+      for (std::size_t p = 0; p < count; ++p) {
+        std::vector<Lemming> const& now = reference.players()[p].lemmings();
+        for (auto const& [id, position] : before[p]) {
+          if (std::any_of(now.begin(), now.end(), [&](Lemming const& unit) { return unit.id() == id; })) {
+            continue;
           }
-        }
-        game.outByExit[nearest][p] += 1;
-        if (game.firstOutFrame[p] == 0) {
-          game.firstOutFrame[p] = p == 0 ? frame : frame - delayFrames;
+          std::size_t nearest = 0;
+          for (std::size_t e = 1; e < reference.exitPositions().size(); ++e) {
+            if (DistanceSquared(position, reference.exitPositions()[e]) <
+                DistanceSquared(position, reference.exitPositions()[nearest])) {
+              nearest = e;
+            }
+          }
+          game.outByExit[nearest][p] += 1;
+          if (game.firstOutFrame[p] == 0) {
+            game.firstOutFrame[p] = p == 0 ? frame : frame - delayFrames;
+          }
         }
       }
     }
