@@ -100,7 +100,8 @@ MapDesign MakeAstralSteps() {
   // Floating stairs climbing from the start floor (surface y 150) to the exit at (200, 638):
   // five steps of 22 pixels going right (a bridge each), a wall of ground to dig upwards through
   // (84 pixels), six steps going left, a second wall (80), a long platform, a third wall (82) and the
-  // exit platform (surface y 638). Ten bridges and three upward digs in all.
+  // exit platform (surface y 638). Eleven bridges and three upward digs in all, and a horizontal
+  // bridge to lid each tunnel's mouth, which the digger would otherwise walk back into after turning.
   int const w = 768, h = 768;
   MapLayout map(w, h);
   SkyGradient(map, 0, 0, w, h, Rgb(30, 10, 60, 0.6f), Rgb(6, 6, 24, 0.8f));

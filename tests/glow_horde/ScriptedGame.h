@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "GameResult.h"
+#include "GameSettings.h"
+
+// A Glow Horde game played by scripted clicks, one client per player as in a networked game: each
+// client runs its own simulation with its own player local, gives that player's clicks at the frames
+// of the script (the player's own update numbers, as a driver's injected orders), and gets every
+// other player's orders delayFrames frames later, as the server relays them.
+namespace glow_horde_testing {
+
+struct ScriptedClick {
+  int player = 0;
+  std::uint32_t frame = 0;
+  std::string text;  // the text form of an order, e.g. "200,470 horizontal_bridge falling right"
+};
+
+struct ScriptedGame {
+  std::vector<GameResult> results;  // each client's
+  std::vector<int> ordersSent;      // by player: clicks that found a unit
+  std::vector<int> ordersAccepted;  // by player: of those, the ones that took effect
+  // outByExit[e][p]: units of player p that went out at exit e (the order of exitPositions), as
+  // client 0 saw them leave.
+  std::vector<std::vector<int>> outByExit;
+  std::vector<std::uint32_t> firstOutFrame;  // by player: the update at which its first unit went out, or 0
+};
+
+// Plays the named co-op challenge or ranked match, with the players in slots 0, 1, ... Raises
+// std::invalid_argument for a click that isn't an order or an unknown name.
+ScriptedGame PlayScriptedGame(std::string const& namedSettings, int players, std::vector<ScriptedClick> const& clicks,
+                              std::uint8_t delayFrames = 15);
+
+// The settings of the named co-op challenge or ranked match of the catalogue.
+GameSettings NamedGlowHordeSettings(std::string const& name);
+
+}  // namespace glow_horde_testing
