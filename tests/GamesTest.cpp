@@ -65,8 +65,22 @@ TEST(GamesCatalogue, ResultTextsOfAllThreeGames) {
   EXPECT_EQ(state.formatGameResult(Game::Vipers, {153600, 61500}, true), "Length 600 (died after 61.5 seconds)");
 }
 
-TEST(CompareResultRows, RanksRowsBestFirstWhenSorted) {
-  std::vector<std::vector<long long>> rows{{3, -90000}, {0, 0}, {3, -60000}, {3}, {4, -200000}, {-1, 5}};
-  std::sort(rows.begin(), rows.end(), [](auto const& a, auto const& b) { return CompareResultRows(a, b) > 0; });
-  EXPECT_EQ(rows, (std::vector<std::vector<long long>>{{4, -200000}, {3, -60000}, {3, -90000}, {3}, {0, 0}, {-1, 5}}));
+TEST(CompareResultRows, SignedValuesFirstCountsFirstAndTheLongerRowWinsOnACommonPrefix) {
+  struct Case {
+    std::vector<long long> a, b;
+    int sign;  // of CompareResultRows(a, b); the reverse gives the opposite
+  };
+  Case const cases[] = {
+      {{2, -500}, {1, 0}, 1},       {{-1}, {0}, -1},         {{1, -100}, {1, -200}, 1},   {{3, 4}, {3, 4}, 0},
+      {{INT64_MIN}, {INT64_MAX}, -1}, {{1, 2, 0}, {1, 2}, 1}, {{}, {-5}, -1},               {{}, {}, 0},
+      // A whole ranking, best first.
+      {{4, -200000}, {3, -60000}, 1}, {{3, -60000}, {3, -90000}, 1}, {{3, -90000}, {3}, 1}, {{3}, {0, 0}, 1},
+      {{0, 0}, {-1, 5}, 1},
+  };
+  auto sign = [](int value) { return (value > 0) - (value < 0); };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(c.a) + " against " + ::testing::PrintToString(c.b));
+    EXPECT_EQ(sign(CompareResultRows(c.a, c.b)), c.sign);
+    EXPECT_EQ(sign(CompareResultRows(c.b, c.a)), -c.sign);
+  }
 }
