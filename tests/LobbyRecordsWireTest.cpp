@@ -6,27 +6,16 @@
 
 using namespace testbytes;
 
-TEST(LobbyRecordsWire, SmallRecordsFieldByField) {
+TEST(LobbyRecordsWire, RecordsFieldByField) {
   EXPECT_EQ(Encode(PlayerInLobby{{0xAA, 0xBB}, 0x0102}), Concat({Count(2), Of({0xAA, 0xBB, 0x02, 0x01})}));
   EXPECT_EQ(Encode(std::optional<PlayerInLobby>{}), Of({0}));
   EXPECT_EQ(Encode(samples::Running()),
             Concat({Of({7, 0, 1}), Count(3), Of({3, 0, 0, 0, 5, 0}), Count(3), Of({0, 1, 0})}));
   EXPECT_EQ(Encode(PlayerNameInfo{{1}, "Al"}), Concat({Count(1), Of({1}), Count(2), Of({'A', 'l'})}));
-}
 
-TEST(LobbyRecordsWire, GameRoomFieldByField) {
-  GameRoom room;
-  room.description = "R";
-  room.minPlayers = 1;
-  room.maxPlayers = 2;
-  room.specBytes = {0xEE};
-  room.repeatedIdsAllowed = false;
-  room.players = {4};
-  room.slotChoices = {-1};
-  room.assignedSlots = {3};
-  room.ready = {true};
-  room.roomToken = 0x0807060504030201ull;
-  room.lastResultsIndex = 0x0A0B;
+  GameRoom const room{.description = "R", .minPlayers = 1, .maxPlayers = 2, .specBytes = {0xEE}, .players = {4},
+                      .slotChoices = {-1}, .assignedSlots = {3}, .ready = {true}, .roomToken = 0x0807060504030201ull,
+                      .lastResultsIndex = 0x0A0B};
   Bytes const expected = Concat({Count(1), Of({'R', 1, 0, 2, 0}), Count(1), Of({0xEE, 0}), Count(1), Of({4, 0}),
                                  Count(1), Of({0xFF, 0xFF}), Count(1), Of({3, 0}), Count(1), Of({1}),
                                  Of({1, 2, 3, 4, 5, 6, 7, 8}), Of({0}), Of({1, 0x0B, 0x0A})});

@@ -62,10 +62,9 @@ ReadOutcome Decode(Bytes const& bytes, T& value) {
   return outcome;
 }
 
-// Whether value, written and read back into a fresh T, reads whole and equal.
+// Whether value, written and read back over read (a fresh T unless given), reads whole and equal.
 template <class T>
-::testing::AssertionResult RoundTrips(T const& value) {
-  T read{};
+::testing::AssertionResult RoundTrips(T const& value, T read = T{}) {
   ReadOutcome const outcome = Decode(Encode(value), read);
   if (!outcome.ok || outcome.remaining != 0) {
     return ::testing::AssertionFailure() << "not read whole: ok " << outcome.ok << ", " << outcome.remaining << " left";
