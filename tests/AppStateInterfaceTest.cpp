@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <array>
+#include <string>
 
 #include "AppStateInterface.h"
 #include "Games.h"
@@ -16,32 +16,19 @@ TEST(AppStateInterface, FlagsFollowTheModeAlone) {
   state.lobby.playerCountInRoom = 3;
   state.game.ended = true;
 
-  struct Row {
-    bool offline, connected, inRoom, ready, inGame, network, local, ended, replay;
-    int count;
-  };
-  constexpr std::array<Row, 6> kRows{{
-      {true, false, false, false, false, false, false, false, false, 0},
-      {false, true, false, false, false, false, false, false, false, 0},
-      {false, true, true, true, false, false, false, false, false, 3},
-      {false, true, false, false, true, true, false, true, false, 0},
-      {false, false, false, false, true, false, true, true, false, 0},
-      {false, false, false, false, true, false, false, true, true, 0},
-  }};
+  // For each mode: offline, connected, in a room, all ready, in a game, networked, local, ended,
+  // replay, and the room's player count.
+  char const* const kExpected[] = {"100000000 0", "010000000 0", "011100000 3",
+                                   "010011010 0", "000010110 0", "000010011 0"};
   for (int mode = 0; mode < 6; ++mode) {
-    SCOPED_TRACE(mode);
     state.setMode(mode);
-    Row const& row = kRows[static_cast<std::size_t>(mode)];
-    EXPECT_EQ(state.isOffline(), row.offline);
-    EXPECT_EQ(state.isConnected(), row.connected);
-    EXPECT_EQ(state.isInGameRoom(), row.inRoom);
-    EXPECT_EQ(state.areAllPlayersReady(), row.ready);
-    EXPECT_EQ(state.isInGame(), row.inGame);
-    EXPECT_EQ(state.isInNetworkedGame(), row.network);
-    EXPECT_EQ(state.isInLocalGame(), row.local);
-    EXPECT_EQ(state.isGameEnded(), row.ended);
-    EXPECT_EQ(state.isWatchingReplay(), row.replay);
-    EXPECT_EQ(state.playerCountInRoom(), row.count);
+    std::string flags;
+    for (bool const flag : {state.isOffline(), state.isConnected(), state.isInGameRoom(), state.areAllPlayersReady(),
+                            state.isInGame(), state.isInNetworkedGame(), state.isInLocalGame(), state.isGameEnded(),
+                            state.isWatchingReplay()}) {
+      flags += flag ? '1' : '0';
+    }
+    EXPECT_EQ(flags + " " + std::to_string(state.playerCountInRoom()), kExpected[mode]) << "mode " << mode;
   }
 }
 
@@ -52,10 +39,9 @@ TEST(AppStateInterface, RoomsExistOnlyInTheLobbyStateAndForValidNumbers) {
   LobbyState lobby;
   lobby.rooms = {std::nullopt, GameRoom{}};
   state.lobby.lobbyState = &lobby;
-  EXPECT_FALSE(state.gameRoomExists(-1));
-  EXPECT_FALSE(state.gameRoomExists(0));
-  EXPECT_TRUE(state.gameRoomExists(1));
-  EXPECT_FALSE(state.gameRoomExists(2));
+  for (int room : {-1, 0, 1, 2}) {
+    EXPECT_EQ(state.gameRoomExists(room), room == 1) << room;
+  }
 }
 
 TEST(AppStateInterface, GameQueriesGoThroughTheGameOnlyInAGame) {
