@@ -24,47 +24,36 @@ LobbyState Mirror() {
 
 }  // namespace
 
-TEST(LobbyState, PlayerIsInRunningGameGivesThePositionInTheRunningGame) {
-  LobbyState const lobby = Mirror();
-  unsigned short index = 99;
-  EXPECT_TRUE(lobby.playerIsInRunningGame(0, index));
-  EXPECT_EQ(index, 1);
-}
-
-TEST(LobbyState, DisconnectedPlayerGetsItsPositionButIsNotInTheGame) {
-  unsigned short index = 99;
-  EXPECT_FALSE(Mirror().playerIsInRunningGame(2, index));
-  EXPECT_EQ(index, 0) << "player 2 stands at position 0 of the running game";
-
-  LobbyState lobby = Mirror();
-  lobby.rooms[0]->runningGame->players = {0, 2};
-  lobby.rooms[0]->runningGame->disconnected = {false, true};
-  EXPECT_FALSE(lobby.playerIsInRunningGame(2, index));
-  EXPECT_EQ(index, 1);
-}
-
-TEST(LobbyState, PlayerOutsideAnyRunningGameIsNotInOneAndIndexIsZero) {
-  LobbyState lobby = Mirror();
-  unsigned short index = 99;
-  EXPECT_FALSE(lobby.playerIsInRunningGame(3, index)) << "room without a running game";
-  EXPECT_EQ(index, 0);
-  index = 99;
-  EXPECT_FALSE(lobby.playerIsInRunningGame(1, index)) << "no room";
-  EXPECT_EQ(index, 0);
-  index = 99;
-  EXPECT_FALSE(lobby.playerIsInRunningGame(4, index)) << "absent player";
-  EXPECT_EQ(index, 0);
-  EXPECT_FALSE(lobby.playerIsInRunningGame(200, index)) << "number beyond the mirror";
-
-  // In the room, but not among the running game's players (joined after the start).
-  lobby.rooms[0]->runningGame->players = {2};
-  index = 99;
-  EXPECT_FALSE(lobby.playerIsInRunningGame(0, index));
-  EXPECT_EQ(index, 0);
-
-  // A room number that the mirror doesn't hold.
-  lobby.players[3]->roomIndex = 7;
-  EXPECT_FALSE(lobby.playerIsInRunningGame(3, index));
+TEST(LobbyState, PlayerIsInRunningGameOnlyWhenConnectedAndGivesThePositionOrZero) {
+  struct Case {
+    char const* what;
+    void (*change)(LobbyState&);
+    unsigned short player;
+    bool inGame;
+    unsigned short index;
+  };
+  Case const cases[] = {
+      {"in the running game", [](LobbyState&) {}, 0, true, 1},
+      {"disconnected, at position 0", [](LobbyState&) {}, 2, false, 0},
+      {"disconnected, at position 1",
+       [](LobbyState& lobby) { *lobby.rooms[0]->runningGame = RunningGameState{5, true, {0, 2}, {false, true}}; }, 2,
+       false, 1},
+      {"room without a running game", [](LobbyState&) {}, 3, false, 0},
+      {"no room", [](LobbyState&) {}, 1, false, 0},
+      {"absent player", [](LobbyState&) {}, 4, false, 0},
+      {"number beyond the mirror", [](LobbyState&) {}, 200, false, 0},
+      {"in the room but joined after the start", [](LobbyState& lobby) { lobby.rooms[0]->runningGame->players = {2}; },
+       0, false, 0},
+      {"a room number that the mirror doesn't hold", [](LobbyState& lobby) { lobby.players[3]->roomIndex = 7; }, 3,
+       false, 0},
+  };
+  for (Case const& c : cases) {
+    LobbyState lobby = Mirror();
+    c.change(lobby);
+    unsigned short index = 99;
+    EXPECT_EQ(lobby.playerIsInRunningGame(c.player, index), c.inGame) << c.what;
+    EXPECT_EQ(index, c.index) << c.what;
+  }
 }
 
 TEST(LobbyState, CanAddToGameNeedsAFreePlaceAndNoRunningGame) {
