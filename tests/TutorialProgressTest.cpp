@@ -21,10 +21,8 @@ TEST(TutorialProgress, SavesStatusesThenAttemptsInRisingOrder) {
   EXPECT_EQ(loaded.statusOf(3), TutorialProgress::kToDo);
   EXPECT_EQ(loaded.attemptsOf(0), 2);
   EXPECT_EQ(loaded.attemptsOf(2), 0);
-}
 
-TEST(TutorialProgress, AnEmptyRecordWritesTheTwoSectionsAndTheEmptyLine) {
-  TempDirectory directory;
+  // An empty record still writes the two sections and the empty line.
   SaveTutorialProgress(directory.str(), TutorialProgress{});
   EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n\n[attempts]\n");
   EXPECT_EQ(LoadTutorialProgress(directory.str()), TutorialProgress{});
