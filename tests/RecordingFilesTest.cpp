@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
-#include <sstream>
 
 #include "RecordingFiles.h"
 #include "support/SampleRecords.h"
@@ -17,13 +15,6 @@ Recording SampleRecording(unsigned long long timestamp) {
   return Recording({{1, 'x', 0}}, results);
 }
 
-// Captures what is written to std::cerr / stderr for the length of the scope.
-class CapturedStderr {
-public:
-  CapturedStderr() { ::testing::internal::CaptureStderr(); }
-  std::string text() { return ::testing::internal::GetCapturedStderr(); }
-};
-
 }  // namespace
 
 TEST(RecordingFiles, LoadsOnlyWholeNameMatchesAndSkipsBadFilesWithALine) {
@@ -36,9 +27,9 @@ TEST(RecordingFiles, LoadsOnlyWholeNameMatchesAndSkipsBadFilesWithALine) {
   std::filesystem::create_directory(directory.file("recording3.bin"));
   directory.writeBytes("recording9.bin", {1, 2, 3});
 
-  CapturedStderr captured;
+  ::testing::internal::CaptureStderr();
   std::vector<Recording> const recordings = LoadRecordingsFromDirectory(directory.path().string());
-  std::string const errors = captured.text();
+  std::string const errors = ::testing::internal::GetCapturedStderr();
 
   std::vector<unsigned long long> timestamps;
   for (Recording const& recording : recordings) {
@@ -66,14 +57,10 @@ TEST(RecordingFiles, ListKeepsTheOrderOfTheDirectoryListing) {
   EXPECT_EQ(loaded, listed);
 }
 
-TEST(RecordingFiles, MissingDirectoryGivesNothing) {
+TEST(RecordingFiles, NumbersComeFromNamesWithoutOpeningTheFiles) {
   TempDirectory directory;
   EXPECT_TRUE(LoadRecordingsFromDirectory(directory.file("absent")).empty());
   EXPECT_TRUE(RecordingNumbersInDirectory(directory.file("absent")).empty());
-}
-
-TEST(RecordingFiles, NumbersComeFromNamesWithoutOpeningTheFiles) {
-  TempDirectory directory;
   for (char const* name : {"recording12.bin", "recording0.bin", "recording65537.bin", "recording007.bin",
                            "recording12.bin.tmp", "xrecording13.bin", "recording.bin",
                            "recording99999999999999999999999.bin"}) {
