@@ -9,6 +9,7 @@
 #include "MainLoopContext.h"
 #include "SDL3App.h"
 #include "TestLog.h"
+#include "support/Bytes.h"
 #include "support/Checks.h"
 #include "support/FakeRunningGame.h"
 #include "support/HeadlessApp.h"
@@ -53,14 +54,10 @@ protected:
 
   // Puts the context into a local game with a fake session, as the tutorial transition would.
   FakeRunningGame& enterLocalGame(MainLoopContext& context, std::uint16_t level) {
-    mainloop::LocalGameState local;
     auto game = std::make_unique<FakeRunningGame>(context.shared.games.refGame(Game::GlowHorde), 15, 1000);
     FakeRunningGame& fake = *game;
-    local.game = std::move(game);
-    local.players = {0};
-    local.orderSource = std::make_unique<LocalOnlyOrderSource>(1, 0, 15);
-    local.tutorialLevel = level;
-    context.state = std::move(local);
+    context.state =
+        mainloop::LocalGameState{{std::move(game), {0}, 0, std::make_unique<LocalOnlyOrderSource>(1, 0, 15)}, level};
     return fake;
   }
 
@@ -69,25 +66,12 @@ protected:
   // test log is written in logDirectory.
   FakeRunningGame& enterReplay(MainLoopContext& context, std::uint64_t reproducedChecksum) {
     TestLog::init((logDirectory.path() / "log.jsonl").string());
-    GameResult expected;
-    expected.endFrame = 40;
-    expected.results = {{5, 9}, {3, 1}};
-    expected.endStateChecksum = 77;
-    mainloop::ReplayState replay;
+    GameResult const expected{40, {{5, 9}, {3, 1}}, 77};
     auto game = std::make_unique<FakeRunningGame>(context.shared.games.refGame(Game::Vipers), 15, 1000);
     FakeRunningGame& fake = *game;
-    fake.result = expected;
-    fake.result.endStateChecksum = reproducedChecksum;
-    replay.game = std::move(game);
-    replay.players = {0, 1};
-    replay.orderSource = std::make_unique<LocalOnlyOrderSource>(2, 0, 15);
-    replay.delayFrames = 15;
-    replay.hasExpectedEnd = true;
-    replay.expectedEndFrame = expected.endFrame;
-    std::vector<unsigned char> bytes;
-    ToBytes(expected, bytes);
-    replay.expectedResult = bytes;
-    context.state = std::move(replay);
+    fake.result = GameResult{40, expected.results, reproducedChecksum};
+    context.state = mainloop::ReplayState{{std::move(game), {0, 1}, 0, std::make_unique<LocalOnlyOrderSource>(2, 0, 15)},
+                                          expected.endFrame, true, 15, testbytes::Encode(expected)};
     return fake;
   }
   std::string closedLog() {
@@ -123,16 +107,6 @@ TEST_F(MainLoopContextTest, StartsOfflineWithTheSavedProgressAndTheBanner) {
   EXPECT_EQ(source.lastMode, 0);
   // The interface filled the custom settings of each game on its first frame.
   EXPECT_EQ(context->shared.ui.lobbyState().customSettings.size(), 3u);
-}
-
-TEST_F(MainLoopContextTest, QuitToDesktopEndsTheLoopAfterTheFrame) {
-  auto context = create();
-  source.frames = {{}, {UICmd::QuitToDesktop{}}};
-  context->runOneFrame(false);
-  EXPECT_FALSE(context->quit);
-  context->runOneFrame(false);
-  EXPECT_TRUE(context->quit);
-  EXPECT_EQ(context->stateIndex(), 0u);
 }
 
 TEST_F(MainLoopContextTest, SkippingRenderingRunsNoCommandsAndNoSimulation) {
@@ -191,16 +165,6 @@ TEST_F(MainLoopContextTest, AbandoningALevelWithNoUnitOutLeavesItsStatus) {
   EXPECT_EQ(context->stateIndex(), 0u);
   EXPECT_EQ(context->shared.tutorialProgress.statusOf(1), TutorialProgress::kSkipped);
   EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n1=skipped\n");
-}
-
-TEST_F(MainLoopContextTest, PlayTutorialCountsTheAttemptBeforeTheLevelStarts) {
-  auto context = create();
-  source.frames = {{UICmd::PlayTutorial{0}}};
-  context->runOneFrame(false);
-  ASSERT_EQ(context->stateIndex(), 3u);
-  EXPECT_EQ(std::get<mainloop::LocalGameState>(context->state).tutorialLevel, 0);
-  EXPECT_EQ(std::get<mainloop::LocalGameState>(context->state).game->currentFrame(), 15u);
-  EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n\n[attempts]\n0=1\n");
 }
 
 TEST_F(MainLoopContextTest, AReplayEndsAtTheRecordedEndAndProvesItsResult) {
