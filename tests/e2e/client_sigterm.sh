@@ -3,15 +3,11 @@
 # loop headless, and ends with status 0 when it is sent SIGTERM (SDL turns it into a quit event).
 set -u
 client=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+source "$(dirname "$0")/lib.sh"
 cd "$work"
 
-export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
 timeout --preserve-status -k 10 -s TERM 3 "$client" >"$work/out.txt" 2>"$work/err.txt"
 status=$?
-
-fail() { echo "FAIL: $*"; echo "--- stdout"; cat "$work/out.txt"; echo "--- stderr"; cat "$work/err.txt"; exit 1; }
 [ "$status" -eq 0 ] || fail "exit status $status, expected 0"
 grep -q '^Linked against SDL ' "$work/out.txt" || fail "the shell didn't start"
 grep -q 'Fatal error' "$work/err.txt" && fail "the run ended in a fatal error"

@@ -4,18 +4,19 @@
 # with status 1 and SDL's reason on the standard error stream.
 set -u
 client=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
+source "$(dirname "$0")/lib.sh"
 
-check() {
-  local expected=$1; shift
+run_expecting_failure() {  # client arguments...
   timeout 20 "$client" "$@" >"$work/out.txt" 2>"$work/err.txt"
   local status=$?
-  if [ "$status" -ne 1 ]; then echo "FAIL: $* gave status $status, expected 1"; cat "$work/err.txt"; exit 1; fi
-  if ! grep -qF -- "$expected" "$work/err.txt"; then echo "FAIL: $*: no \"$expected\" on stderr"; cat "$work/err.txt"; exit 1; fi
-  if ! grep -q '^Usage: client ' "$work/err.txt"; then echo "FAIL: $*: no usage on stderr"; cat "$work/err.txt"; exit 1; fi
-  if [ -s "$work/out.txt" ]; then echo "FAIL: $*: the shell started (stdout not empty)"; cat "$work/out.txt"; exit 1; fi
+  [ "$status" -eq 1 ] || fail "$* gave status $status, expected 1"
+}
+check() {  # expected-stderr-text client-arguments...
+  local expected=$1; shift
+  run_expecting_failure "$@"
+  grep -qF -- "$expected" "$work/err.txt" || fail "$*: no \"$expected\" on stderr"
+  grep -q '^Usage: client ' "$work/err.txt" || fail "$*: no usage on stderr"
+  [ ! -s "$work/out.txt" ] || fail "$*: the shell started (stdout not empty)"
   echo "PASS: $*"
 }
 
@@ -23,8 +24,6 @@ check "70000" --server-base-port 70000
 check "abc" --server-base-port abc
 check "Unknown argument: --no-such-option" --no-such-option
 
-SDL_VIDEODRIVER=no_such_driver timeout 20 "$client" >"$work/out.txt" 2>"$work/err.txt"
-status=$?
-if [ "$status" -ne 1 ]; then echo "FAIL: an unusable video driver gave status $status, expected 1"; cat "$work/err.txt"; exit 1; fi
-if ! grep -q '^SDL could not initialize! SDL_Error: ' "$work/err.txt"; then echo "FAIL: no SDL failure on stderr"; cat "$work/err.txt"; exit 1; fi
+SDL_VIDEODRIVER=no_such_driver run_expecting_failure
+grep -q '^SDL could not initialize! SDL_Error: ' "$work/err.txt" || fail "no SDL failure on stderr"
 echo "PASS: an unusable video driver"

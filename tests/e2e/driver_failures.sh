@@ -3,9 +3,7 @@
 # the script's end (1) or the script doesn't parse (2), and always stops by itself.
 set -u
 driver=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
+source "$(dirname "$0")/lib.sh"
 
 extra=()  # further options of the driver for the next run
 run() {  # expected-status expected-stderr-text script-lines...
@@ -13,13 +11,13 @@ run() {  # expected-status expected-stderr-text script-lines...
   printf '%s\n' "$@" >"$work/script.txt"
   timeout 60 "$driver" --script "$work/script.txt" --log "$work/log.jsonl" "${extra[@]}" >"$work/out.txt" 2>"$work/err.txt"
   local status=$?
-  if [ "$status" -ne "$expected" ]; then echo "FAIL: status $status, expected $expected for: $*"; cat "$work/err.txt"; exit 1; fi
-  if ! grep -qF -- "$text" "$work/err.txt"; then echo "FAIL: no \"$text\" on stderr for: $*"; cat "$work/err.txt"; exit 1; fi
+  [ "$status" -eq "$expected" ] || fail "status $status, expected $expected for: $*"
+  grep -qF -- "$text" "$work/err.txt" || fail "no \"$text\" on stderr for: $*"
   echo "PASS: $* -> $status"
 }
 
 run 1 'Expectation failed at line 2 (expect_mode 4): the mode is 0' 'frames 2' 'expect_mode 4' 'quit'
-grep -q '"passed":false' "$work/log.jsonl" || { echo "FAIL: the log doesn't record the failure"; exit 1; }
+grep -q '"passed":false' "$work/log.jsonl" || fail "the log doesn't record the failure"
 run 1 'still in mode 0 after 30 frames' 'wait_mode 5 30'
 run 1 'the condition didn'"'"'t hold within 3 frames' 'wait_condition "order_applies dig_down 1 1" 3'
 run 1 'The program quit before line 2 of the script.' 'cmd QuitToDesktop' 'frames 1' 'expect_mode 0'

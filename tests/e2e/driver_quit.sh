@@ -4,9 +4,7 @@
 # in the storage directory holds the skip.
 set -u
 driver=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
+source "$(dirname "$0")/lib.sh"
 
 cat >"$work/script.txt" <<'SCRIPT'
 # a short offline session
@@ -22,7 +20,6 @@ SCRIPT
 
 timeout 60 "$driver" --script "$work/script.txt" --storage "$work/storage" --log "$work/log.jsonl" >"$work/out.txt" 2>"$work/err.txt"
 status=$?
-fail() { echo "FAIL: $*"; cat "$work/out.txt" "$work/err.txt"; exit 1; }
 [ "$status" -eq 0 ] || fail "exit status $status, expected 0"
 grep -q '^Script passed after 7 frames$' "$work/out.txt" || fail "unexpected frame count"
 grep -qx '{"event":"driver_end","passed":true,"frames":7,"line":0,"reason":""}' "$work/log.jsonl" || fail "log: $(cat "$work/log.jsonl")"

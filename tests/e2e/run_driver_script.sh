@@ -6,9 +6,7 @@ set -u
 driver=$1
 script=$2
 limit=${3:-300}
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export SDL_VIDEODRIVER=${SDL_VIDEODRIVER:-dummy}
+source "$(dirname "$0")/lib.sh"
 export SDL_AUDIO_DRIVER=${SDL_AUDIO_DRIVER:-dummy}
 
 timeout "$limit" "$driver" --script "$script" --storage "$work/storage" --window 640x360 >"$work/out.txt" 2>"$work/err.txt"

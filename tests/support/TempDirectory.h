@@ -42,14 +42,12 @@ public:
   }
   // Binary contents, written and read as bytes; writeBytes returns the file's full path.
   std::string writeBytes(std::string const& name, std::vector<unsigned char> const& bytes) const {
-    std::string const fullPath = file(name);
-    std::ofstream out(fullPath, std::ios::binary);
-    out.write(reinterpret_cast<char const*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return fullPath;
+    write(name, std::string(bytes.begin(), bytes.end()));
+    return file(name);
   }
   std::vector<unsigned char> readBytes(std::string const& name) const {
-    std::ifstream in(file(name), std::ios::binary);
-    return std::vector<unsigned char>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::string const text = read(name);
+    return {text.begin(), text.end()};
   }
   bool exists(std::string const& relative) const { return std::filesystem::exists(path_ / relative); }
 
