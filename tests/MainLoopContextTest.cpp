@@ -117,7 +117,7 @@ TEST_F(MainLoopContextTest, SkippingRenderingRunsNoCommandsAndNoSimulation) {
   EXPECT_EQ(source.observations, 0);
   EXPECT_EQ(game.uiChecks, 1);
   EXPECT_EQ(game.renders, 0);
-  EXPECT_EQ(game.updates, 0);
+  EXPECT_TRUE(game.steps.empty());
   EXPECT_EQ(context->appState.mode(), 4);
   EXPECT_EQ(context->stateIndex(), 3u);
 }
@@ -128,9 +128,9 @@ TEST_F(MainLoopContextTest, ALocalGameStepsOncePerFrameAndShowsItsSnapshot) {
   source.frames = {{}, {UICmd::EndGameEarly{}, UICmd::InjectGameOrder{"order"}}};
   context->runOneFrame(false);
   context->runOneFrame(false);
-  EXPECT_EQ(game.updates, 2);
+  ASSERT_EQ(game.steps.size(), 2u);
   EXPECT_EQ(game.renders, 2);
-  EXPECT_EQ(game.lastOrderCount, 1u);
+  EXPECT_EQ(game.steps.back().orders.size(), 1u);
   EXPECT_EQ(game.endGameNowCalls, 1);
   EXPECT_EQ(game.injected, (std::vector<std::string>{"order"}));
 

@@ -2,49 +2,31 @@
 
 #include <deque>
 
+#include "Games.h"
 #include "LocalOnlyOrderSource.h"
 #include "Recording.h"
 #include "ReplayOrderSource.h"
 #include "UpdateSimulation.h"
 #include "support/Bytes.h"
+#include "support/FakeRunningGame.h"
 
 using namespace testbytes;
 
 namespace {
 
-// A session that records the calls it gets. Its frame counter starts at delayFrames, as after a
-// session's head start; the local player's game ends at endFrame, the whole game delayFrames later.
-// The local player gives the order {n} on its n-th order, counted from 1.
-struct FakeSession {
-  struct Step {
-    std::vector<Bytes> orders;
-    Bytes ourOrder;
-    bool operator==(Step const&) const = default;
-  };
+using Step = FakeRunningGame::Step;
 
-  FakeSession(unsigned delay, unsigned end) : delayFrames(delay), frame(delay), endFrame(end) {}
-
-  bool gameEnded_LocalPlayer() const { return frame >= endFrame; }
-  bool gameEnded() const { return frame >= endFrame + delayFrames; }
-  Bytes processUIInputsAndGetOurNextOrder() { return Of({++ordersGiven}); }
-  void update(std::vector<Bytes> const& orders, Bytes ourOrder) {
-    steps.push_back({orders, std::move(ourOrder)});
-    ++frame;
-  }
-
-  unsigned delayFrames;
-  unsigned frame;
-  unsigned endFrame;
-  int ordersGiven = 0;
-  std::vector<Step> steps;
-};
+FakeRunningGame Session(unsigned delayFrames, unsigned endFrame) {
+  static Games const games;  // any game will do: the fake plays none
+  return FakeRunningGame(games.refGame(Game::GlowHorde), delayFrames, endFrame);
+}
 
 // Stands where the network source will: frames arrive when the test pushes them, a new source holds
 // delayFrames frames of no orders, and an order goes out only on a frame that can be stepped and
 // only before the local end of the game.
 class ScriptedNetworkSource final : public IOrderSource {
 public:
-  ScriptedNetworkSource(int players, int delayFrames) : players_(players) {
+  ScriptedNetworkSource(int players, int delayFrames) {
     for (int i = 0; i < delayFrames; ++i) arrive(std::vector<Bytes>(static_cast<std::size_t>(players)));
   }
   void arrive(std::vector<Bytes> frame) { frames_.push_back(std::move(frame)); }
@@ -65,47 +47,35 @@ public:
   std::vector<Bytes> sent;
 
 private:
-  int players_;
   std::deque<std::vector<Bytes>> frames_;
 };
 
 }  // namespace
 
 TEST(LocalOnlyOrderSource, OwnOrdersReturnAfterTheDelayAndOthersGiveNone) {
-  int constexpr kDelay = 15;
-  FakeSession session(kDelay, kDelay + 40);
-  LocalOnlyOrderSource source(3, 1, kDelay);
-  int stalled = 5;
-  while (UpdateSimulation(session, source, stalled)) {
-    EXPECT_EQ(stalled, 0);
-  }
-  EXPECT_EQ(stalled, 0) << "a local game never stalls, and the end of the game leaves the count alone";
-  ASSERT_EQ(session.steps.size(), 55u) << "a full game takes endFrame updates";
-  EXPECT_EQ(session.ordersGiven, 40) << "endFrame - delayFrames orders";
-  EXPECT_EQ(session.frame, 70u);
+  for (int const delay : {15, 0}) {
+    SCOPED_TRACE(delay);
+    FakeRunningGame session = Session(delay, delay + 40);
+    LocalOnlyOrderSource source(3, 1, delay);
+    int stalled = 5;
+    while (UpdateSimulation(session, source, stalled)) {
+      EXPECT_EQ(stalled, 0);
+    }
+    EXPECT_EQ(stalled, 0) << "a local game never stalls, and the end of the game leaves the count alone";
+    ASSERT_EQ(session.steps.size(), 40u + delay) << "a full game takes endFrame updates";
+    EXPECT_EQ(session.ordersGiven, 40) << "endFrame - delayFrames orders";
+    EXPECT_EQ(session.currentFrame(), 40u + 2 * delay);
 
-  for (int k = 0; k < 55; ++k) {
-    FakeSession::Step const& step = session.steps[static_cast<std::size_t>(k)];
-    Bytes const given = k < 40 ? Of({k + 1}) : Bytes{};
-    Bytes const arriving = k >= kDelay && k - kDelay < 40 ? Of({k - kDelay + 1}) : Bytes{};
-    EXPECT_EQ(step.ourOrder, given) << "step " << k;
-    ASSERT_EQ(step.orders.size(), 3u);
-    EXPECT_EQ(step.orders[1], arriving) << "step " << k;
-    EXPECT_TRUE(step.orders[0].empty() && step.orders[2].empty()) << "step " << k;
+    for (int k = 0; k < 40 + delay; ++k) {
+      Bytes const given = k < 40 ? Of({k + 1}) : Bytes{};
+      Bytes const arriving = k >= delay && k - delay < 40 ? Of({k - delay + 1}) : Bytes{};
+      EXPECT_EQ(session.steps[static_cast<std::size_t>(k)], (Step{{{}, arriving, {}}, given})) << "step " << k;
+    }
   }
-}
-
-TEST(LocalOnlyOrderSource, WithoutDelayAnOrderArrivesAtOnce) {
-  LocalOnlyOrderSource source(1, 0, 0);
-  std::vector<Bytes> orders;
-  Bytes ourOrder;
-  ASSERT_TRUE(source.fetchOrders(false, Of({7}), orders, ourOrder));
-  EXPECT_EQ(orders, std::vector<Bytes>{Of({7})});
-  EXPECT_EQ(ourOrder, Of({7}));
 }
 
 TEST(UpdateSimulation, StallsCountUpLoseTheirOrdersAndNeverCatchUp) {
-  FakeSession session(3, 1000);
+  FakeRunningGame session = Session(3, 1000);
   ScriptedNetworkSource source(2, 3);
   int stalled = 0;
   for (int i = 0; i < 3; ++i) ASSERT_TRUE(UpdateSimulation(session, source, stalled));
@@ -114,7 +84,7 @@ TEST(UpdateSimulation, StallsCountUpLoseTheirOrdersAndNeverCatchUp) {
     EXPECT_FALSE(UpdateSimulation(session, source, stalled));
     EXPECT_EQ(stalled, i);
   }
-  EXPECT_EQ(session.frame, 6u) << "a stalled frame doesn't step";
+  EXPECT_EQ(session.currentFrame(), 6u) << "a stalled frame doesn't step";
   EXPECT_EQ(session.ordersGiven, 7) << "the session was asked for an order on every frame";
   EXPECT_EQ(source.sent, (std::vector<Bytes>{Of({1}), Of({2}), Of({3})})) << "orders of stalled frames are lost";
 
@@ -123,8 +93,8 @@ TEST(UpdateSimulation, StallsCountUpLoseTheirOrdersAndNeverCatchUp) {
   source.arrive({Of({2}), {}});
   EXPECT_TRUE(UpdateSimulation(session, source, stalled));
   EXPECT_EQ(stalled, 0);
-  EXPECT_EQ(session.frame, 7u);
-  EXPECT_EQ(session.steps.back(), (FakeSession::Step{{Of({1}), Of({9})}, Of({8})}));
+  EXPECT_EQ(session.currentFrame(), 7u);
+  EXPECT_EQ(session.steps.back(), (Step{{Of({1}), Of({9})}, Of({8})}));
   EXPECT_TRUE(UpdateSimulation(session, source, stalled));
   EXPECT_FALSE(UpdateSimulation(session, source, stalled));
   EXPECT_EQ(stalled, 1) << "a new stall counts from 1 again";
@@ -132,7 +102,7 @@ TEST(UpdateSimulation, StallsCountUpLoseTheirOrdersAndNeverCatchUp) {
 }
 
 TEST(UpdateSimulation, AfterTheLocalEndNoOrderIsTakenButFramesStillStepUntilTheEnd) {
-  FakeSession session(2, 4);  // two steps with orders, then two more
+  FakeRunningGame session = Session(2, 4);  // two steps with orders, then two more
   ScriptedNetworkSource source(1, 2);
   for (int i = 0; i < 10; ++i) source.arrive({{}});
   int stalled = 0;
@@ -158,12 +128,12 @@ TEST(ReplayOrderSource, GivesTheRecordedSeatsOrdersThenNothingPastTheEnd) {
   Recording const recording({Of({1, 'd', 1, 'D'}), Of({1, 'c', 0}), Of({1, 'b', 1, 'B'}), Of({1, 'a', 0})}, results);
   int constexpr kDelay = 2;
   ReplayOrderSource source(recording, 0, 2, kDelay);
-  FakeSession session(kDelay, kDelay + 6);
+  FakeRunningGame session = Session(kDelay, kDelay + 6);
   int stalled = 0;
   while (UpdateSimulation(session, source, stalled)) {
   }
   ASSERT_EQ(session.steps.size(), 8u);
-  std::vector<FakeSession::Step> const expected = {
+  std::vector<Step> const expected = {
       {{{}, {}}, Of({'a'})},           {{{}, {}}, Of({'b'})},
       {{Of({'a'}), {}}, Of({'c'})},    {{Of({'b'}), Of({'B'})}, Of({'d'})},
       {{Of({'c'}), {}}, {}},           {{Of({'d'}), Of({'D'})}, {}},
@@ -174,7 +144,7 @@ TEST(ReplayOrderSource, GivesTheRecordedSeatsOrdersThenNothingPastTheEnd) {
 
 TEST(ReplayOrderSource, ReplayOfALocalGameReproducesItsCallsExactly) {
   int constexpr kDelay = 4;
-  FakeSession played(kDelay, kDelay + 12);
+  FakeRunningGame played = Session(kDelay, kDelay + 12);
   LocalOnlyOrderSource local(1, 0, kDelay);
   int stalled = 0;
   std::deque<Bytes> relayedNewestFirst;
@@ -189,7 +159,7 @@ TEST(ReplayOrderSource, ReplayOfALocalGameReproducesItsCallsExactly) {
   Recording const recording(relayedNewestFirst, results);
   EXPECT_EQ(recording.updates.size(), 12u);
 
-  FakeSession replayed(kDelay, kDelay + 12);
+  FakeRunningGame replayed = Session(kDelay, kDelay + 12);
   ReplayOrderSource replay(recording, 0, 1, kDelay);
   while (UpdateSimulation(replayed, replay, stalled)) {
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -7,9 +9,20 @@
 #include "IRunningGame.h"
 
 // A session that records what the main loop asks of it. Its frame counter starts at delayFrames and
-// rises by one for each update; it ends like a real session, endFrame + delayFrames.
+// rises by one for each update; it ends like a real session, endFrame + delayFrames. Its local player
+// gives the order {n} on its n-th order, counted from 1.
 class FakeRunningGame final : public IRunningGame {
 public:
+  // What one update was given.
+  struct Step {
+    std::vector<std::vector<unsigned char>> orders;
+    std::vector<unsigned char> ourOrder;
+    friend bool operator==(Step const&, Step const&) = default;
+    friend void PrintTo(Step const& step, std::ostream* out) {
+      *out << ::testing::PrintToString(step.orders) << " with our order " << ::testing::PrintToString(step.ourOrder);
+    }
+  };
+
   FakeRunningGame(IGame const& game, std::uint32_t delayFrames, std::uint32_t endFrame)
       : game_(game), delayFrames_(delayFrames), endFrame_(endFrame), frame_(delayFrames) {}
 
@@ -23,10 +36,11 @@ public:
     out = result;
     out.endFrame = frame_;
   }
-  std::vector<unsigned char> processUIInputsAndGetOurNextOrder() override { return {}; }
-  void update(std::vector<std::vector<unsigned char>> const& orders, std::vector<unsigned char>) override {
-    ++updates;
-    lastOrderCount = orders.size();
+  std::vector<unsigned char> processUIInputsAndGetOurNextOrder() override {
+    return {static_cast<unsigned char>(++ordersGiven)};
+  }
+  void update(std::vector<std::vector<unsigned char>> const& orders, std::vector<unsigned char> ourOrder) override {
+    steps.push_back({orders, std::move(ourOrder)});
     ++frame_;
   }
   void endGameNow() override {
@@ -45,9 +59,9 @@ public:
   int events = 0;
   int uiChecks = 0;
   int renders = 0;
-  int updates = 0;
   int endGameNowCalls = 0;
-  std::size_t lastOrderCount = 0;
+  int ordersGiven = 0;
+  std::vector<Step> steps;
   std::vector<std::string> injected;
 
 private:
