@@ -16,31 +16,18 @@ protected:
   static void SetUpTestSuite() { app_ = MakeHeadlessApp(); }
   static void TearDownTestSuite() { app_.reset(); }
 
+  static void push(SDL_Event event) { SDL_PushEvent(&event); }
+  static SDL_WindowID window() { return SDL_GetWindowID(app_->getWindow()); }
   static void pushKey(SDL_Keycode key) {
-    SDL_Event event{};
-    event.type = SDL_EVENT_KEY_DOWN;
-    event.key.windowID = SDL_GetWindowID(app_->getWindow());
-    event.key.key = key;
-    event.key.down = true;
-    SDL_PushEvent(&event);
+    push({.key = {.type = SDL_EVENT_KEY_DOWN, .windowID = window(), .key = key, .down = true}});
   }
-
   static void pushMouse(SDL_EventType type, float x, float y) {
-    SDL_Event event{};
-    event.type = type;
     if (type == SDL_EVENT_MOUSE_MOTION) {
-      event.motion.windowID = SDL_GetWindowID(app_->getWindow());
-      event.motion.x = x;
-      event.motion.y = y;
+      push({.motion = {.type = type, .windowID = window(), .x = x, .y = y}});
     } else {
-      event.button.windowID = SDL_GetWindowID(app_->getWindow());
-      event.button.button = SDL_BUTTON_LEFT;
-      event.button.down = type == SDL_EVENT_MOUSE_BUTTON_DOWN;
-      event.button.clicks = 1;
-      event.button.x = x;
-      event.button.y = y;
+      push({.button = {.type = type, .windowID = window(), .button = SDL_BUTTON_LEFT,
+                       .down = type == SDL_EVENT_MOUSE_BUTTON_DOWN, .clicks = 1, .x = x, .y = y}});
     }
-    SDL_PushEvent(&event);
   }
 
   // Runs the event pump and collects the types of the input events that reached the handler; the
@@ -104,9 +91,7 @@ TEST_F(SDL3AppTest, F11FlipsFullScreenAndEscapeOnlyLeavesIt) {
 
 TEST_F(SDL3AppTest, AQuitEventSetsQuitForThatCallOnly) {
   bool quit = false;
-  SDL_Event event{};
-  event.type = SDL_EVENT_QUIT;
-  SDL_PushEvent(&event);
+  push({.type = SDL_EVENT_QUIT});
   pump(quit);
   EXPECT_TRUE(quit);
   EXPECT_TRUE(pump(quit).empty());
