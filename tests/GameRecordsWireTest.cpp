@@ -27,12 +27,8 @@ TEST(GameSettingsWire, EntriesAreWrittenInAscendingKeyOrder) {
   EXPECT_EQ(Encode(settings), expected);
 
   // Equal settings built in another order, with another bucket layout, give the same bytes.
-  GameSettings other;
+  GameSettings other{{{"a", "1"}, {"b", "2"}}, {{"y", -1}, {"z", 1}}};
   other.strings.reserve(64);
-  other.ints["y"] = -1;
-  other.strings["a"] = "1";
-  other.ints["z"] = 1;
-  other.strings["b"] = "2";
   ASSERT_EQ(other, settings);
   EXPECT_EQ(Encode(other), expected);
 
