@@ -43,10 +43,8 @@ public:
   int lastMode = -1;
 };
 
-class MainLoopContextTest : public ::testing::Test {
+class MainLoopContextTest : public HeadlessAppTest {
 protected:
-  static void SetUpTestSuite() { app_ = MakeHeadlessApp(); }
-  static void TearDownTestSuite() { app_.reset(); }
 
   std::unique_ptr<MainLoopContext> create(bool noFramePacing = true) {
     return MainLoopContext::Create(app_, "127.0.0.1", 6567, directory.str(), "", &source, noFramePacing);
@@ -79,13 +77,10 @@ protected:
     return logDirectory.read("log.jsonl");
   }
 
-  static std::shared_ptr<SDL3App> app_;
   TempDirectory directory;
   TempDirectory logDirectory;
   QueuedCommands source;
 };
-
-std::shared_ptr<SDL3App> MainLoopContextTest::app_;
 
 }  // namespace
 

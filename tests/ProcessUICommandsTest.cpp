@@ -12,10 +12,8 @@
 
 namespace {
 
-class ProcessUICommandsTest : public ::testing::Test {
+class ProcessUICommandsTest : public HeadlessAppTest {
 protected:
-  static void SetUpTestSuite() { app_ = MakeHeadlessApp(); }
-  static void TearDownTestSuite() { app_.reset(); }
 
   template <class State>
   CommandOutcome run(State& state, std::vector<UICmd> const& commands) {
@@ -26,14 +24,11 @@ protected:
 
   std::string progressFile() const { return directory.read("userdata/progress.ini"); }
 
-  static std::shared_ptr<SDL3App> app_;
   TempDirectory directory;
   mainloop::SharedData shared;
   mainloop::OfflineState offline;
   bool quit = false;
 };
-
-std::shared_ptr<SDL3App> ProcessUICommandsTest::app_;
 
 }  // namespace
 

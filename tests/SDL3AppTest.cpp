@@ -11,10 +11,8 @@
 
 namespace {
 
-class SDL3AppTest : public ::testing::Test {
+class SDL3AppTest : public HeadlessAppTest {
 protected:
-  static void SetUpTestSuite() { app_ = MakeHeadlessApp(); }
-  static void TearDownTestSuite() { app_.reset(); }
 
   static void push(SDL_Event event) { SDL_PushEvent(&event); }
   static SDL_WindowID window() { return SDL_GetWindowID(app_->getWindow()); }
@@ -59,11 +57,7 @@ protected:
     ImGui::End();
     scope.end();
   }
-
-  static std::shared_ptr<SDL3App> app_;
 };
-
-std::shared_ptr<SDL3App> SDL3AppTest::app_;
 
 }  // namespace
 
