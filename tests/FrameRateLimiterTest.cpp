@@ -62,24 +62,10 @@ TEST(FrameRateLimiter, OversleepingDoesNotMakeThePaceDrift) {
   }
 }
 
-TEST(FrameRateLimiter, AnOverrunFrameStartsTheNextNowWithoutCatchingUp) {
+TEST(FrameRateLimiter, UnderAMillisecondLeftIsNotSleptAndAnOverrunFrameStartsTheNextNow) {
   ManualClock clock;
   FrameRateLimiter limiter = clock.limiter();
-  clock.now = 40 * kMs;
-  limiter.waitForNextFrame();
-  EXPECT_TRUE(clock.sleeps.empty());
-  EXPECT_EQ(limiter.frameStart, 40 * kMs);
-
-  clock.now += 17 * kMs;  // just over one interval again
-  limiter.waitForNextFrame();
-  EXPECT_TRUE(clock.sleeps.empty());
-  EXPECT_EQ(limiter.frameStart, 57 * kMs);
-}
-
-TEST(FrameRateLimiter, LessThanOneMillisecondLeftIsNotWaitedForButTheStartStillAdvances) {
-  ManualClock clock;
-  FrameRateLimiter limiter = clock.limiter();
-  clock.now = 16200000;  // 0.47 ms left
+  clock.now = 16200000;  // 0.47 ms left: not waited for, but the start still advances
   limiter.waitForNextFrame();
   EXPECT_TRUE(clock.sleeps.empty());
   EXPECT_EQ(limiter.frameStart, 16666666);
@@ -88,4 +74,13 @@ TEST(FrameRateLimiter, LessThanOneMillisecondLeftIsNotWaitedForButTheStartStillA
   limiter.waitForNextFrame();
   EXPECT_EQ(clock.sleeps, (std::vector<std::uint32_t>{1}));
   EXPECT_EQ(limiter.frameStart, 33333332);
+
+  // Nearly three intervals late, then just over one: each next frame starts now, without catching up.
+  clock.now = 80 * kMs;
+  limiter.waitForNextFrame();
+  EXPECT_EQ(limiter.frameStart, 80 * kMs);
+  clock.now += 17 * kMs;
+  limiter.waitForNextFrame();
+  EXPECT_EQ(limiter.frameStart, 97 * kMs);
+  EXPECT_EQ(clock.sleeps.size(), 1u) << "no sleep after an overrun";
 }
