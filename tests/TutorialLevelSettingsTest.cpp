@@ -9,10 +9,8 @@ TEST(TutorialLevelSettings, EachLevelTeachesOneKindOfOrderOnItsOwnMap) {
   IGame const& glowHorde = games.refGame(Game::GlowHorde);
   struct Expected {
     char const* map;
-    char const* orders;
-    int count;
-    int spawn;
-    int duration;
+    char const* orders;  // the one kind of order given, and how many
+    int count, spawn, duration;
   };
   Expected const levels[] = {
       {"Tutorial 1: dig down", "dig_down_orders", 1, 1, 40},
