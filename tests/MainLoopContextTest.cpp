@@ -139,27 +139,23 @@ TEST_F(MainLoopContextTest, ALocalGameStepsOncePerFrameAndShowsItsSnapshot) {
   EXPECT_EQ(context->appState.gameFrame(), 17u);
 }
 
-TEST_F(MainLoopContextTest, LeavingATutorialLevelWithAUnitOutCompletesIt) {
-  auto context = create();
-  FakeRunningGame& game = enterLocalGame(*context, 2);
-  game.result.results = {{1, -30000}};
-  source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
-  context->runOneFrame(false);
-  EXPECT_EQ(context->stateIndex(), 0u);
-  EXPECT_EQ(context->shared.tutorialProgress.statusOf(2), TutorialProgress::kCompleted);
-  EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n2=completed\n\n[attempts]\n");
-}
-
-TEST_F(MainLoopContextTest, AbandoningALevelWithNoUnitOutLeavesItsStatus) {
+TEST_F(MainLoopContextTest, LeavingATutorialLevelCompletesItOnlyWithAUnitOut) {
   directory.write("userdata/progress.ini", "[tutorial]\n1=skipped\n");
   auto context = create();
-  FakeRunningGame& game = enterLocalGame(*context, 1);
-  game.result.results = {{0, 0}};
+  // Abandoned with nobody out: the status stands and nothing is saved.
+  enterLocalGame(*context, 1).result.results = {{0, 0}};
   source.frames = {{UICmd::AbandonGame{}}};
   context->runOneFrame(false);
   EXPECT_EQ(context->stateIndex(), 0u);
   EXPECT_EQ(context->shared.tutorialProgress.statusOf(1), TutorialProgress::kSkipped);
   EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n1=skipped\n");
+
+  enterLocalGame(*context, 2).result.results = {{1, -30000}};
+  source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
+  context->runOneFrame(false);
+  EXPECT_EQ(context->stateIndex(), 0u);
+  EXPECT_EQ(context->shared.tutorialProgress.statusOf(2), TutorialProgress::kCompleted);
+  EXPECT_EQ(directory.read("userdata/progress.ini"), "[tutorial]\n1=skipped\n2=completed\n\n[attempts]\n");
 }
 
 TEST_F(MainLoopContextTest, AReplayEndsAtTheRecordedEndAndProvesItsResult) {
