@@ -11,17 +11,7 @@
 #include "GameResult.h"
 #include "Games.h"
 
-namespace {
-
-SchemaEntry const& MapEntry(IGame const& game) {
-  auto found = std::find_if(game.schema.begin(), game.schema.end(), [](SchemaEntry const& e) { return e.key == "map"; });
-  EXPECT_NE(found, game.schema.end());
-  return *found;
-}
-
-}  // namespace
-
-TEST(GamesCatalogue, GlowHordeDefaultsAreCauldronsAndElevenSettings) {
+TEST(GamesCatalogue, GlowHordeDefaultsMapsAndLookups) {
   Games const games;
   IGame const& glowHorde = games.refGame(Game::GlowHorde);
   GameSettings const defaults = DefaultSettingsFromSchema(glowHorde.schema);
@@ -30,16 +20,13 @@ TEST(GamesCatalogue, GlowHordeDefaultsAreCauldronsAndElevenSettings) {
   EXPECT_EQ(defaults.ints.at("duration_seconds"), 180);
 
   // Only selectable maps are offered, in ascending byte order.
-  EXPECT_EQ(MapEntry(glowHorde).choices,
-            (std::vector<std::string>{"Cauldrons", "Mosh pit", "Unwrapped Ledges", "Wrapped Ledges"}));
+  auto const mapEntry = std::ranges::find(glowHorde.schema, std::string("map"), &SchemaEntry::key);
+  ASSERT_NE(mapEntry, glowHorde.schema.end());
+  EXPECT_EQ(mapEntry->choices, (std::vector<std::string>{"Cauldrons", "Mosh pit", "Unwrapped Ledges", "Wrapped Ledges"}));
   for (char const* hidden : {"Astral Steps", "Tutorial 1: dig down", "Tutorial 2: dig sideways", "Tutorial 3: bridge"}) {
     EXPECT_TRUE(glowHorde.maps.contains(hidden)) << hidden;
   }
-}
 
-TEST(GamesCatalogue, MapLookupsAndTheirFailure) {
-  Games const games;
-  IGame const& glowHorde = games.refGame(Game::GlowHorde);
   EXPECT_EQ(glowHorde.maxPlayersForMap("Cauldrons"), 3);
   EXPECT_EQ(glowHorde.playerTeamsForMap("Mosh pit"), (std::vector<int>{0, 1, 0, 1}));
   EXPECT_THROW(glowHorde.maxPlayersForMap("No such map"), std::out_of_range);

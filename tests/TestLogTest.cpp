@@ -5,7 +5,7 @@
 #include "TestLog.h"
 #include "support/TempDirectory.h"
 
-TEST(TestLog, EscapesControlBytesQuotesAndBackslashes) {
+TEST(TestLog, EscapesControlBytesQuotesAndBackslashesAndWritesEachValueKind) {
   EXPECT_EQ(TestLog::escapeJsonString("a\tb\x01"
                                       "c"),
             "a\\tb\\u0001c");
@@ -13,9 +13,8 @@ TEST(TestLog, EscapesControlBytesQuotesAndBackslashes) {
   EXPECT_EQ(TestLog::escapeJsonString(std::string("\x00\x1f\x7f", 3)), "\\u0000\\u001f\x7f");
   // Bytes above 127 are copied as they are: UTF-8 text stays readable.
   EXPECT_EQ(TestLog::escapeJsonString("caf\xc3\xa9"), "caf\xc3\xa9");
-}
 
-TEST(TestLog, WritesEachValueKindInItsJsonForm) {
+  // Each kind of value in its JSON form.
   EXPECT_EQ(TestLog::valueToJson(std::string("x\ty")), "\"x\\ty\"");
   EXPECT_EQ(TestLog::valueToJson(-42LL), "-42");
   EXPECT_EQ(TestLog::valueToJson(18446744073709551615ULL), "18446744073709551615");
