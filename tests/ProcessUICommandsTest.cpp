@@ -14,7 +14,6 @@ namespace {
 
 class ProcessUICommandsTest : public HeadlessAppTest {
 protected:
-
   template <class State>
   CommandOutcome run(State& state, std::vector<UICmd> const& commands) {
     CommandOutcome outcome;
@@ -112,20 +111,15 @@ TEST_F(ProcessUICommandsTest, ALocalGameHonoursOnlyItsInGameCommands) {
 }
 
 TEST_F(ProcessUICommandsTest, AReplayKeepsTheResultOnlyAtItsExpectedEnd) {
-  mainloop::ReplayState replay;
   auto game = std::make_unique<FakeRunningGame>(shared.games.refGame(Game::Aviators), 15, 100);
   FakeRunningGame& fake = *game;
-  replay.game = std::move(game);
-  replay.hasExpectedEnd = true;
-  replay.expectedEndFrame = 40;
+  mainloop::ReplayState replay{{std::move(game)}, 40, true};  // expected to end at frame 40
 
   CommandOutcome outcome = run(replay, {UICmd::ReturnToLobbyAfterGameEnd{}});
   EXPECT_TRUE(outcome.leave);
   EXPECT_FALSE(outcome.result.has_value());  // left at frame 15, before the expected end
 
-  for (int i = 0; i < 25; ++i) {
-    fake.update({}, {});
-  }
+  for (int i = 0; i < 25; ++i) fake.update({}, {});
   outcome = run(replay, {UICmd::ReturnToLobbyAfterGameEnd{}});
   ASSERT_TRUE(outcome.result.has_value());
   EXPECT_EQ(outcome.result->endFrame, 40u);
@@ -138,10 +132,7 @@ TEST_F(ProcessUICommandsTest, AReplayKeepsTheResultOnlyAtItsExpectedEnd) {
 }
 
 TEST_F(ProcessUICommandsTest, RefreshRecordingsReplacesTheListAndItsPlayedGames) {
-  GameResults results;
-  results.finished = true;
-  results.playerSlots = {0, 1};
-  results.playerNames = {"a", "b"};
+  GameResults const results{.finished = true, .playerNames = {"a", "b"}, .playerSlots = {0, 1}};
   Recording const recording(std::deque<std::vector<unsigned char>>{{1, 7, 0}, {0, 0}}, results);
   std::filesystem::create_directories(directory.path() / "recordings");
   recording.save((directory.path() / "recordings" / "recording12.bin").string());

@@ -13,7 +13,6 @@ namespace {
 
 class SDL3AppTest : public HeadlessAppTest {
 protected:
-
   static void push(SDL_Event event) { SDL_PushEvent(&event); }
   static SDL_WindowID window() { return SDL_GetWindowID(app_->getWindow()); }
   static void pushKey(SDL_Keycode key) {
