@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <functional>
 #include <stdexcept>
 #include <type_traits>
 
@@ -148,8 +149,14 @@ void MainLoopContext::gameBackground(GameState& current) {
 template <class GameState>
 void MainLoopContext::gameFrame(GameState& current, int mode, bool skipRendering) {
   IRunningGame& game = *current.game;
-  app->processEvents([&game](SDL_Event const& event) { game.eventHandler(event); },
-                     [this, &current] { gameBackground(current); }, quit);
+  // Paced, a game held up in the event pump goes on stepping from the watchdog. Unpaced runs (the
+  // driver's scripts) step exactly once a loop turn, so that what a script sees at a given frame
+  // doesn't depend on how busy the machine is.
+  std::function<void()> background = [] {};
+  if (!noFramePacing) {
+    background = [this, &current] { gameBackground(current); };
+  }
+  app->processEvents([&game](SDL_Event const& event) { game.eventHandler(event); }, std::move(background), quit);
   endSection("events");
   game.nonEventDrivenUIChecks();
 
