@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <optional>
@@ -88,50 +89,41 @@ TEST_F(RendererGeometry, InvertYFlipsAboutTheScreen) {
 }
 
 TEST_F(RendererGeometry, TileRangesCoverTheViewWithAMarginOnWrappingAxesOnly) {
-  auto const make = [&](bool wrapX, bool wrapY, Camera camera) {
-    return Renderer(target.renderer(), textures, 1280, 720, 512, 256, wrapX, wrapY, camera);
+  // First and last tile on x, then on y.
+  auto const tiles = [&](bool wrapX, bool wrapY, Camera camera) {
+    Renderer const r(target.renderer(), textures, 1280, 720, 512, 256, wrapX, wrapY, camera);
+    return std::array{r.firstTileX(), r.lastTileX(), r.firstTileY(), r.lastTileY()};
   };
-  Renderer const flat = make(false, false, Camera{100.0f, -10.0f, 1.0f});
-  EXPECT_EQ(flat.firstTileX(), 0);
-  EXPECT_EQ(flat.lastTileX(), 0);
-  EXPECT_EQ(flat.firstTileY(), 0);
-  EXPECT_EQ(flat.lastTileY(), 0);
-
-  Renderer const wrapped = make(true, true, Camera{100.0f, -10.0f, 1.0f});
-  EXPECT_EQ(wrapped.firstTileX(), -1);  // floor(-50 / 512)
-  EXPECT_EQ(wrapped.lastTileX(), 3);    // ceil(1530 / 512)
-  EXPECT_EQ(wrapped.firstTileY(), -1);  // floor(-160 / 256)
-  EXPECT_EQ(wrapped.lastTileY(), 4);    // ceil(860 / 256)
-
-  Renderer const zoomed = make(true, false, Camera{200.0f, 0.0f, 2.0f});
-  EXPECT_EQ(zoomed.firstTileX(), 0);  // floor(50 / 512)
-  EXPECT_EQ(zoomed.lastTileX(), 2);   // ceil(990 / 512)
-  EXPECT_EQ(zoomed.lastTileY(), 0);
+  EXPECT_EQ(tiles(false, false, Camera{100.0f, -10.0f, 1.0f}), (std::array{0, 0, 0, 0}));
+  // floor(-50 / 512), ceil(1530 / 512), floor(-160 / 256), ceil(860 / 256)
+  EXPECT_EQ(tiles(true, true, Camera{100.0f, -10.0f, 1.0f}), (std::array{-1, 3, -1, 4}));
+  // floor(50 / 512), ceil(990 / 512); y doesn't wrap
+  EXPECT_EQ(tiles(true, false, Camera{200.0f, 0.0f, 2.0f}), (std::array{0, 2, 0, 0}));
 }
 
 TEST_F(RendererDrawing, EverySpriteCoversItsWorldRectangle) {
-  Camera const camera{100.0f, 50.0f, 2.0f};
-  Renderer renderer = make(camera);
+  Renderer renderer = make(Camera{100.0f, 50.0f, 2.0f});
   Position const p{160, 110};
   float const x = 160.0f, y = 110.0f;
+  auto const box = [&](float left, float bottom, float width, float height) {
+    return Expected(left, bottom, width, height, 100, 50, target.height());
+  };
   struct Case {
     char const* name;
     std::function<void()> draw;
     Box expected;
   };
-  int const h = target.height();
   std::vector<Case> const cases{
-      {"entry", [&] { renderer.renderEntry(p); }, Expected(x - 40, y, 80, 100, 100, 50, h)},
-      {"exit", [&] { renderer.renderExit(p); }, Expected(x - 30, y - 30, 60, 60, 100, 50, h)},
-      {"unit", [&] { renderer.renderLemming(p); }, Expected(x - 2.5f, y, 5, 10, 100, 50, h)},
-      {"brackets", [&] { renderer.renderSelectionBrackets(p); }, Expected(x - 9, y - 6, 18, 24, 100, 50, h)},
-      {"circle", [&] { renderer.renderCircle(x, y, 12.0f); }, Expected(x - 12, y - 12, 24, 24, 100, 50, h)},
-      {"missile", [&] { renderer.renderMissile(p, 0.0f); }, Expected(x - 2, y - 2, 17, 4, 100, 50, h)},
+      {"entry", [&] { renderer.renderEntry(p); }, box(x - 40, y, 80, 100)},
+      {"exit", [&] { renderer.renderExit(p); }, box(x - 30, y - 30, 60, 60)},
+      {"unit", [&] { renderer.renderLemming(p); }, box(x - 2.5f, y, 5, 10)},
+      {"brackets", [&] { renderer.renderSelectionBrackets(p); }, box(x - 9, y - 6, 18, 24)},
+      {"circle", [&] { renderer.renderCircle(x, y, 12.0f); }, box(x - 12, y - 12, 24, 24)},
+      {"missile", [&] { renderer.renderMissile(p, 0.0f); }, box(x - 2, y - 2, 17, 4)},
       // An 8 by 8 ship at scale 1.5 is 12 by 12, centred.
-      {"ship", [&] { renderer.renderShip(x, y, 1.5f, 0.0f); }, Expected(x - 6, y - 6, 12, 12, 100, 50, h)},
+      {"ship", [&] { renderer.renderShip(x, y, 1.5f, 0.0f); }, box(x - 6, y - 6, 12, 12)},
       // A capsule along x: the two circles and the 20 by 6 band between their centres.
-      {"swept", [&] { renderer.renderSweptCircle(x - 10, y, x + 10, y, 3.0f); },
-       Expected(x - 13, y - 3, 26, 6, 100, 50, h)},
+      {"swept", [&] { renderer.renderSweptCircle(x - 10, y, x + 10, y, 3.0f); }, box(x - 13, y - 3, 26, 6)},
   };
   for (Case const& c : cases) {
     target.clear(kBlack);
