@@ -3,6 +3,7 @@
 #include <SDL3_image/SDL_image.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -91,44 +92,31 @@ std::string WavProblem(std::vector<unsigned char> const& b) {
   return "no data chunk";
 }
 
-class DataDirectory : public ::testing::Test {
-protected:
-  void SetUp() override { ASSERT_TRUE(SDL_Init(0)) << SDL_GetError(); }
-  void TearDown() override { SDL_Quit(); }
-};
+using DataDirectory = ::testing::Test;
 
 }  // namespace
 
-TEST_F(DataDirectory, EveryImageLoads) {
+TEST_F(DataDirectory, EveryImageLoadsAtASizeThatSuitsItsPlace) {
   for (char const* file :
        {"world.png", "world2.png", "coop.png", "tutorial_dig_down.png", "tutorial_dig_sideways.png", "tutorial_bridge.png",
         "tutorial_pit.png", "aviators.png", "entry.png", "exit.png", "hordeling.png", "selection_brackets.png",
         "circle.png", "circle_cross_section.png", "ship.png", "ring.png", "star.png", "banner.png", "immediate_icon.png",
         "blocked_icon.png", "falling_icon.png", "turned_icon.png", "cursor.png", "cursor_left.png", "cursor_right.png"}) {
     ImageSize const size = LoadImageSize(file);
-    EXPECT_GT(size.width, 0) << file;
-    EXPECT_GT(size.height, 0) << file;
+    EXPECT_TRUE(size.width > 0 && size.height > 0) << file;
   }
-}
-
-TEST_F(DataDirectory, IconsAndCursorsSuitTheirPlaces) {
+  auto const squareWithin = [](char const* file, int least, int most) {
+    ImageSize const size = LoadImageSize(file);
+    EXPECT_TRUE(size.width >= least && size.width <= most && size.width == size.height)
+        << file << " is " << size.width << " by " << size.height;
+  };
   // Trigger icons are drawn at their own size over units, in 20 by 20 selector cells and over cursors.
   for (char const* file : {"immediate_icon.png", "blocked_icon.png", "falling_icon.png", "turned_icon.png"}) {
-    ImageSize const size = LoadImageSize(file);
-    EXPECT_GE(size.width, 16) << file;
-    EXPECT_LE(size.width, 24) << file;
-    EXPECT_EQ(size.width, size.height) << file;
+    squareWithin(file, 16, 24);
   }
-  for (char const* file : {"cursor.png", "cursor_left.png", "cursor_right.png"}) {
-    ImageSize const size = LoadImageSize(file);
-    EXPECT_GE(size.width, 24) << file;
-    EXPECT_LE(size.width, 64) << file;
-    EXPECT_EQ(size.width, size.height) << file;
-  }
+  for (char const* file : {"cursor.png", "cursor_left.png", "cursor_right.png"}) squareWithin(file, 24, 64);
   // The ship is drawn at 32/63 of its size, so that it spans 32 world pixels.
-  ImageSize const ship = LoadImageSize("ship.png");
-  EXPECT_EQ(ship.width, 63);
-  EXPECT_EQ(ship.height, 63);
+  squareWithin("ship.png", 63, 63);
 }
 
 TEST_F(DataDirectory, ColourImagesHaveTransparency) {
@@ -141,11 +129,8 @@ TEST_F(DataDirectory, ColourImagesHaveTransparency) {
     auto const* pixels = static_cast<std::uint32_t const*>(surface->pixels);
     std::uint32_t const corner = pixels[static_cast<std::ptrdiff_t>(surface->h - 1) * (surface->pitch / 4) + surface->w - 1];
     EXPECT_EQ(corner >> 24, 0u) << file << ": the bottom right corner should be see-through";
-    bool opaque = false;
-    for (int i = 0; i < surface->w * surface->h; ++i) {
-      opaque = opaque || (pixels[i] >> 24) == 255;
-    }
-    EXPECT_TRUE(opaque) << file;
+    EXPECT_TRUE(std::any_of(pixels, pixels + surface->w * surface->h, [](std::uint32_t p) { return p >> 24 == 255; }))
+        << file << " has no opaque pixel";
     SDL_DestroySurface(surface);
   }
 }
@@ -172,9 +157,7 @@ TEST(WavReader, FindsTheFaultsItLooksFor) {
   eightBit[34] = 8;
   EXPECT_EQ(WavProblem(eightBit), "format is not 16-bit PCM");
   std::vector<unsigned char> silent = good;
-  for (std::size_t i = 44; i < silent.size(); ++i) {
-    silent[i] = 0;
-  }
+  std::fill(silent.begin() + 44, silent.end(), 0);
   EXPECT_EQ(WavProblem(silent), "silent");
   std::vector<unsigned char> notWave = good;
   notWave[8] = 'X';
