@@ -28,6 +28,13 @@ Chunk ChunkOf(std::vector<std::uint32_t> const& pixels) {
   return chunk;
 }
 
+// A chunk of one kind of pixel, with another kind placed at a few pixels.
+Chunk Filled(std::uint32_t fill, std::initializer_list<std::pair<int, int>> at = {}, std::uint32_t placed = 0) {
+  Chunk chunk = ChunkOf(std::vector<std::uint32_t>(Chunk::kPixels, fill));
+  for (auto [x, y] : at) chunk.writePixel(static_cast<unsigned char>(x), static_cast<unsigned char>(y), placed);
+  return chunk;
+}
+
 std::vector<std::uint32_t> Copy(Chunk const& chunk) { return {chunk.pixels(), chunk.pixels() + Chunk::kPixels}; }
 
 // Terrain with every kind of pixel: ground, rock, sky and coloured scenery.
@@ -59,20 +66,14 @@ struct CheckedChunk {
     EXPECT_EQ(answer, model.isGround(player, ux, uy)) << "player " << player << " at " << x << "," << y;
     return answer;
   }
-  void queueAddPixel(int player, int x, int y) {
-    real.queueAddPixel(player, static_cast<unsigned char>(x), static_cast<unsigned char>(y));
-    model.queue(player, x & 255, y & 255, true);
-    checkDisplay(x, y);
-  }
-  void queueRemovePixel(int player, int x, int y) {
-    real.queueRemovePixel(player, static_cast<unsigned char>(x), static_cast<unsigned char>(y));
-    model.queue(player, x & 255, y & 255, false);
-    checkDisplay(x, y);
-  }
+  void queueAddPixel(int player, int x, int y) { queue(player, x, y, true); }
+  void queueRemovePixel(int player, int x, int y) { queue(player, x, y, false); }
   // The preview is written at once, not only when the frame advances.
-  void checkDisplay(int x, int y) {
-    EXPECT_EQ(real.display().readPixel(static_cast<unsigned char>(x), static_cast<unsigned char>(y)),
-              model.display()[static_cast<std::size_t>(ReferenceChunk::Index(x & 255, y & 255))]);
+  void queue(int player, int x, int y, bool add) {
+    auto const ux = static_cast<unsigned char>(x), uy = static_cast<unsigned char>(y);
+    add ? real.queueAddPixel(player, ux, uy) : real.queueRemovePixel(player, ux, uy);
+    model.queue(player, ux, uy, add);
+    EXPECT_EQ(real.display().readPixel(ux, uy), model.display()[static_cast<std::size_t>(ReferenceChunk::Index(ux, uy))]);
   }
   void frameAdvance() {
     real.frameAdvance();
@@ -89,8 +90,7 @@ TEST(ChunkWithChangeQueues, AddAndRemoveInOneFrameLeaveThePixelEmptyWhoeverMadeT
   constexpr int kDelay = 2;
   // Same player, then two players in both orders.
   for (auto [adder, remover] : {std::pair{0, 0}, std::pair{0, 1}, std::pair{1, 0}}) {
-    std::vector<std::uint32_t> pixels(Chunk::kPixels, kSky);
-    ChunkWithChangeQueues chunk(ChunkOf(pixels), 2, 0, kDelay);
+    ChunkWithChangeQueues chunk(Filled(kSky), 2, 0, kDelay);
     // Each player changes the pixel in its update 0: the local player at frame 0, the other at frame D.
     for (int frame = 0; frame < 5 * kDelay; ++frame) {
       for (int player : {0, 1}) {
@@ -108,7 +108,7 @@ TEST(ChunkWithChangeQueues, AddAndRemoveInOneFrameLeaveThePixelEmptyWhoeverMadeT
 TEST(ChunkWithChangeQueues, RemoveThenAddNextFrameEndsAsGroundSeenFromTheFollowingFrames) {
   constexpr int kDelay = 3;
   for (int local : {0, 1}) {  // the same unit on its own client and on the other player's
-    ChunkWithChangeQueues chunk(ChunkOf(std::vector<std::uint32_t>(Chunk::kPixels, kGround)), 2, local, kDelay);
+    ChunkWithChangeQueues chunk(Filled(kGround), 2, local, kDelay);
     std::vector<bool> seen;
     int const offset = local == 1 ? 0 : kDelay;  // player 1's updates run this many frames late
     for (int frame = 0; frame < 4 * kDelay + 4; ++frame) {
@@ -130,9 +130,7 @@ TEST(ChunkWithChangeQueues, RemoveThenAddNextFrameEndsAsGroundSeenFromTheFollowi
 }
 
 TEST(ChunkWithChangeQueues, IndestructiblePixelsTakeNoChangeAnywhere) {
-  std::vector<std::uint32_t> pixels(Chunk::kPixels, kSky);
-  pixels[ReferenceChunk::Index(9, 4)] = kRock;
-  ChunkWithChangeQueues chunk(ChunkOf(pixels), 3, 1, 2);
+  ChunkWithChangeQueues chunk(Filled(kSky, {{9, 4}}, kRock), 3, 1, 2);
   for (int player = 0; player < 3; ++player) {
     chunk.queueRemovePixel(player, 9, 4);
     chunk.queueAddPixel(player, 9, 4);
@@ -149,10 +147,7 @@ TEST(ChunkWithChangeQueues, IndestructiblePixelsTakeNoChangeAnywhere) {
 
 TEST(ChunkWithChangeQueues, LocalChangesArePreviewedAtOnceOthersOnlyOnceInBase) {
   constexpr int kDelay = 4;
-  std::vector<std::uint32_t> pixels(Chunk::kPixels, kSky);
-  pixels[ReferenceChunk::Index(1, 0)] = kGround;
-  pixels[ReferenceChunk::Index(2, 0)] = kGround;
-  ChunkWithChangeQueues chunk(ChunkOf(pixels), 2, 0, kDelay);
+  ChunkWithChangeQueues chunk(Filled(kSky, {{1, 0}, {2, 0}}, kGround), 2, 0, kDelay);
 
   chunk.queueAddPixel(0, 0, 0);     // local add on sky
   chunk.queueRemovePixel(0, 1, 0);  // local remove on ground
@@ -180,8 +175,7 @@ TEST(ChunkWithChangeQueues, LocalChangesArePreviewedAtOnceOthersOnlyOnceInBase) 
 }
 
 TEST(ChunkWithChangeQueues, AddedAndRemovedInTheLocalQueueShowsTheMixedPreview) {
-  std::vector<std::uint32_t> pixels(Chunk::kPixels, kGround);
-  ChunkWithChangeQueues chunk(ChunkOf(pixels), 1, 0, 2);
+  ChunkWithChangeQueues chunk(Filled(kGround), 1, 0, 2);
   chunk.queueAddPixel(0, 4, 4);
   chunk.frameAdvance();
   chunk.queueRemovePixel(0, 4, 4);
