@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -75,10 +76,8 @@ TEST_F(ChunkedWorldMaps, SizeRoundsUpToChunksAndTheImageIsFlipped) {
   // Ground along the image's bottom row and at one pixel of its top row.
   SaveImage("wide.png", 300, 200, [](int x, int y) { return y == 199 || (y == 0 && x == 7) ? kGround : kSky; });
   ChunkedWorld world(nullptr, 1, 0, 1, MapOf("wide.png"));
-  EXPECT_EQ(world.chunksWide(), 2);
-  EXPECT_EQ(world.chunksHigh(), 1);
-  EXPECT_EQ(world.width(), 512);
-  EXPECT_EQ(world.height(), 256);
+  EXPECT_EQ((std::array{world.chunksWide(), world.chunksHigh(), world.width(), world.height()}),
+            (std::array{2, 1, 512, 256}));
   // The margin past x 299 and y 199 is no ground.
   for (auto [x, y, ground] : {std::tuple{0, 0, true}, {299, 0, true}, {300, 0, false}, {511, 0, false},
                               {7, 199, true}, {7, 198, false}, {7, 200, false}, {7, 255, false}}) {

@@ -31,18 +31,14 @@ std::ostream& operator<<(std::ostream& out, Box const& box) {
 }
 
 // The smallest box holding every pixel that isn't the background.
-std::optional<Box> Drawn(SoftwareTarget& target, std::uint32_t background = kBlack) {
+std::optional<Box> Drawn(SoftwareTarget& target) {
   target.flush();
   std::optional<Box> box;
   for (int y = 0; y < target.height(); ++y) {
     for (int x = 0; x < target.width(); ++x) {
-      if (target.pixel(x, y) == background) continue;
-      if (!box) {
-        box = Box{x, y, x, y};
-      } else {
-        box->left = std::min(box->left, x), box->right = std::max(box->right, x);
-        box->top = std::min(box->top, y), box->bottom = std::max(box->bottom, y);
-      }
+      if (target.pixel(x, y) == kBlack) continue;
+      Box const b = box.value_or(Box{x, y, x, y});
+      box = Box{std::min(b.left, x), std::min(b.top, y), std::max(b.right, x), std::max(b.bottom, y)};
     }
   }
   return box;
