@@ -255,13 +255,13 @@ TEST_F(ChunkedWorldRender, TerrainLinesUpWithSprites) {
   SDL_SetTextureScaleMode(world.getChunk(300, 0)->display().getTexture(target.renderer()), SDL_SCALEMODE_NEAREST);
   world.render(camera, 200, 150);
   target.flush();
+  // World x 300 is screen x (300 - 270) * 4; the top of world row 40 is screen row 149 - (40 + 1 - 20) * 4.
   SDL_FRect const dot = renderer.screenRect(300.0f, 40.0f, 1.0f, 1.0f, 0, 0);
-  EXPECT_FLOAT_EQ(dot.x, 120.0f);
-  EXPECT_FLOAT_EQ(dot.y, 149.0f - 80.0f - 4.0f);
-  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) + 1, static_cast<int>(dot.y) + 1), 0xFFFFFFFFu);
-  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) + 2, static_cast<int>(dot.y) + 2), 0xFFFFFFFFu);
-  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) - 2, static_cast<int>(dot.y) + 1), 0xFF000080u);
-  EXPECT_EQ(target.pixel(static_cast<int>(dot.x) + 1, static_cast<int>(dot.y) + 6), 0xFF000080u);
+  EXPECT_EQ(std::pair(dot.x, dot.y), std::pair(120.0f, 65.0f));
+  for (auto [x, y, colour] : {std::tuple{121, 66, 0xFFFFFFFFu}, {122, 67, 0xFFFFFFFFu}, {118, 66, 0xFF000080u},
+                              {121, 71, 0xFF000080u}}) {
+    EXPECT_EQ(target.pixel(x, y), colour) << x << "," << y;
+  }
 }
 
 // The whole world, several chunks, wrapping on x, units roaming across the seam and below the bottom
