@@ -2,12 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <stdexcept>
 #include <string>
 #include <tuple>
 
 #include "ChunkedWorld.h"
-#include "MapImages.h"
 #include "Renderer.h"
 #include "TextureCache.h"
 #include "XXHashHasher.h"
@@ -53,23 +51,6 @@ TEST_F(ChunkedWorldMaps, LoadFailuresNameTheFileWithoutTheFolder) {
   MapSettings checked = MapOf("small.png");
   checked.imageChecksum = 12345;
   EXPECT_EQ(ErrorOf(checked), "Image checksum does not match, for 'small.png'");
-}
-
-TEST_F(ChunkedWorldMaps, ChecksumIsOfTheStoredImageAndZeroMeansNoCheck) {
-  SaveImage("map.png", 10, 4, [](int x, int y) { return x == y ? kGround : kSky; });
-  SDL_Surface* stored = testing_support::MakeSurface(10, 4, [](int x, int y) { return x == y ? kGround : kSky; });
-  XXHashHasher hasher;
-  CalculateImageChecksum(stored, &hasher);
-  SDL_DestroySurface(stored);
-
-  MapSettings map = MapOf("map.png");
-  map.mirrorX = true;  // the digest is taken before the transformations
-  map.imageChecksum = hasher.digest();
-  EXPECT_NO_THROW(ChunkedWorld(nullptr, 2, 1, 3, map));
-  map.imageChecksum = 0;
-  EXPECT_NO_THROW(ChunkedWorld(nullptr, 2, 1, 3, map));
-  map.imageChecksum = hasher.digest() ^ 1;
-  EXPECT_THROW(ChunkedWorld(nullptr, 2, 1, 3, map), std::runtime_error);
 }
 
 TEST_F(ChunkedWorldMaps, SizeRoundsUpToChunksAndTheImageIsFlipped) {
