@@ -131,16 +131,13 @@ TEST(CalculateImageChecksum, RowsThenWidthThenHeightWhateverThePitch) {
   ASSERT_NE(padded, nullptr);
   EXPECT_EQ(Digest(tight.get()), Digest(padded.get()));
 
-  // One-shot XXH3 over the same stream.
-  std::vector<std::uint8_t> stream(buffer.begin(), buffer.begin());
-  for (int y = 0; y < 3; ++y) {
-    stream.insert(stream.end(), buffer.begin() + y * pitch, buffer.begin() + y * pitch + 28);
-  }
-  for (std::int32_t value : {7, 3}) {
-    std::uint8_t bytes[4];
-    std::memcpy(bytes, &value, 4);
-    stream.insert(stream.end(), bytes, bytes + 4);
-  }
+  // One-shot XXH3 over the same stream: the rows without padding, then width and height as 32-bit integers.
+  ASSERT_EQ(tight->pitch, 28);
+  auto const* pixels = static_cast<std::uint8_t const*>(tight->pixels);
+  std::vector<std::uint8_t> stream(pixels, pixels + 84);
+  std::int32_t const size[2] = {7, 3};
+  auto const* sizeBytes = reinterpret_cast<std::uint8_t const*>(size);
+  stream.insert(stream.end(), sizeBytes, sizeBytes + 8);
   EXPECT_EQ(Digest(tight.get()), XXH3_64bits(stream.data(), stream.size()));
 
   // The same 84 bytes read as 3 by 7 are another image.
