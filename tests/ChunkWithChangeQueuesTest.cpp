@@ -73,7 +73,8 @@ struct CheckedChunk {
     auto const ux = static_cast<unsigned char>(x), uy = static_cast<unsigned char>(y);
     add ? real.queueAddPixel(player, ux, uy) : real.queueRemovePixel(player, ux, uy);
     model.queue(player, ux, uy, add);
-    EXPECT_EQ(real.display().readPixel(ux, uy), model.display()[static_cast<std::size_t>(ReferenceChunk::Index(ux, uy))]);
+    auto const at = static_cast<std::size_t>(ReferenceChunk::Index(ux, uy));
+    EXPECT_EQ(real.display().readPixel(ux, uy), model.display()[at]) << "display at " << x << "," << y;
   }
   void frameAdvance() {
     real.frameAdvance();
