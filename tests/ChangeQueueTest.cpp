@@ -95,12 +95,12 @@ TEST(ChangeQueue, IdleFramesLeaveAllCountsZero) {
 
 // The indexed answers against the slot-by-slot model for every slot range, on random workloads
 // crowded into a few pixels so that every pixel is changed in many slots at once. The queue counts
-// frames modulo 65536: the last cases start just before the counter wraps, and must not notice.
+// frames modulo 65536: one case starts just before the counter wraps, and must not notice.
 TEST(ChangeQueue, MatchesSlotBySlotRulesForEveryRange) {
   struct Case {
     int slots, area, startFrame;
   };
-  std::vector<Case> cases{{31, 2, 65536 - 40}, {9, 5, 65536 - 40}};
+  std::vector<Case> cases{{31, 2, 65536 - 40}};
   for (int slots : {1, 2, 3, 9, 31}) {
     for (int area : {2, 5, 40}) cases.push_back({slots, area, 0});
   }
