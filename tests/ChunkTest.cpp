@@ -1,6 +1,9 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <tuple>
 
 #include "Chunk.h"
 #include "support/Checks.h"
@@ -12,9 +15,7 @@ TEST(Chunk, NewChunkIsEmptyAndDirty) {
   Chunk chunk;
   EXPECT_TRUE(chunk.dirty());
   EXPECT_FALSE(chunk.hasTexture());
-  for (int i = 0; i < Chunk::kPixels; ++i) {
-    ASSERT_EQ(chunk.pixels()[i], 0u);
-  }
+  EXPECT_EQ(std::count(chunk.pixels(), chunk.pixels() + Chunk::kPixels, 0u), Chunk::kPixels);
 }
 
 TEST(Chunk, PixelsLieRowByRowFromTheBottomAndAreHashedAsTheyLie) {
@@ -34,37 +35,34 @@ TEST(Chunk, PixelsLieRowByRowFromTheBottomAndAreHashedAsTheyLie) {
 }
 
 TEST(Chunk, CopiesOwnTheirPixelsAndMovesLeaveTheSourceEmpty) {
+  // Whether a chunk holds pixels, holds a texture, and is dirty.
+  auto const state = [](Chunk const& c) { return std::tuple{c.hasPixels(), c.hasTexture(), c.dirty()}; };
   testing_support::SoftwareTarget target(16, 16);
   Chunk original;
   original.writePixel(1, 1, 0xFE111111u);
   original.getTexture(target.renderer());
-  ASSERT_TRUE(original.hasTexture());
-  ASSERT_FALSE(original.dirty());
+  ASSERT_EQ(state(original), std::tuple(true, true, false));
 
   Chunk copy(original);
-  EXPECT_FALSE(copy.hasTexture());
-  EXPECT_FALSE(copy.dirty());  // the source's flag
+  EXPECT_EQ(state(copy), std::tuple(true, false, false));  // not dirty: the source's flag
   copy.writePixel(1, 1, 0xFE222222u);
   EXPECT_EQ(original.readPixel(1, 1), 0xFE111111u);
 
   Chunk assigned;
   assigned.getTexture(target.renderer());
   assigned = original;
-  EXPECT_FALSE(assigned.hasTexture());
-  EXPECT_TRUE(assigned.dirty());
+  EXPECT_EQ(state(assigned), std::tuple(true, false, true));
   EXPECT_EQ(assigned.readPixel(1, 1), 0xFE111111u);
 
   Chunk moved(std::move(original));
-  EXPECT_TRUE(moved.hasTexture());
-  EXPECT_FALSE(moved.dirty());
+  EXPECT_EQ(state(moved), std::tuple(true, true, false));
   EXPECT_EQ(moved.readPixel(1, 1), 0xFE111111u);
-  EXPECT_FALSE(original.hasPixels());  // NOLINT(bugprone-use-after-move): the moved-from state is specified
-  EXPECT_FALSE(original.hasTexture());
-  EXPECT_TRUE(original.dirty());
+  // NOLINTNEXTLINE(bugprone-use-after-move): the moved-from state is specified
+  EXPECT_EQ(state(original), std::tuple(false, false, true));
 
   Chunk target2;
   target2 = std::move(moved);
-  EXPECT_TRUE(target2.hasTexture());
+  EXPECT_EQ(state(target2), std::tuple(true, true, false));
   EXPECT_EQ(target2.readPixel(1, 1), 0xFE111111u);
   EXPECT_FALSE(moved.hasPixels());  // NOLINT(bugprone-use-after-move)
 }
@@ -93,8 +91,7 @@ TEST(Chunk, TextureShowsTheTopRowFirstAndIsUploadedOnlyWhenDirty) {
 
 TEST(Chunk, TextureFailureNamesTheCause) {
   Chunk chunk;
-  std::string const text = testing_support::ErrorText([&] { chunk.getTexture(nullptr); });
-  EXPECT_EQ(text.rfind("Failed to create chunked world texture - ", 0), 0u) << text;
-  EXPECT_GT(text.size(), std::string("Failed to create chunked world texture - ").size());
+  EXPECT_THAT(testing_support::ErrorText([&] { chunk.getTexture(nullptr); }),
+              ::testing::MatchesRegex("Failed to create chunked world texture - .+"));
   EXPECT_FALSE(chunk.hasTexture());
 }

@@ -28,6 +28,13 @@ Chunk ChunkOf(std::vector<std::uint32_t> const& pixels) {
   return chunk;
 }
 
+// A chunk of one kind of pixel, with another kind placed at a few pixels.
+Chunk Filled(std::uint32_t fill, std::initializer_list<std::pair<int, int>> at = {}, std::uint32_t placed = 0) {
+  Chunk chunk = ChunkOf(std::vector<std::uint32_t>(Chunk::kPixels, fill));
+  for (auto [x, y] : at) chunk.writePixel(static_cast<unsigned char>(x), static_cast<unsigned char>(y), placed);
+  return chunk;
+}
+
 std::vector<std::uint32_t> Copy(Chunk const& chunk) { return {chunk.pixels(), chunk.pixels() + Chunk::kPixels}; }
 
 // Terrain with every kind of pixel: ground, rock, sky and coloured scenery.
@@ -59,20 +66,15 @@ struct CheckedChunk {
     EXPECT_EQ(answer, model.isGround(player, ux, uy)) << "player " << player << " at " << x << "," << y;
     return answer;
   }
-  void queueAddPixel(int player, int x, int y) {
-    real.queueAddPixel(player, static_cast<unsigned char>(x), static_cast<unsigned char>(y));
-    model.queue(player, x & 255, y & 255, true);
-    checkDisplay(x, y);
-  }
-  void queueRemovePixel(int player, int x, int y) {
-    real.queueRemovePixel(player, static_cast<unsigned char>(x), static_cast<unsigned char>(y));
-    model.queue(player, x & 255, y & 255, false);
-    checkDisplay(x, y);
-  }
+  void queueAddPixel(int player, int x, int y) { queue(player, x, y, true); }
+  void queueRemovePixel(int player, int x, int y) { queue(player, x, y, false); }
   // The preview is written at once, not only when the frame advances.
-  void checkDisplay(int x, int y) {
-    EXPECT_EQ(real.display().readPixel(static_cast<unsigned char>(x), static_cast<unsigned char>(y)),
-              model.display()[static_cast<std::size_t>(ReferenceChunk::Index(x & 255, y & 255))]);
+  void queue(int player, int x, int y, bool add) {
+    auto const ux = static_cast<unsigned char>(x), uy = static_cast<unsigned char>(y);
+    add ? real.queueAddPixel(player, ux, uy) : real.queueRemovePixel(player, ux, uy);
+    model.queue(player, ux, uy, add);
+    auto const at = static_cast<std::size_t>(ReferenceChunk::Index(ux, uy));
+    EXPECT_EQ(real.display().readPixel(ux, uy), model.display()[at]) << "display at " << x << "," << y;
   }
   void frameAdvance() {
     real.frameAdvance();
@@ -89,8 +91,7 @@ TEST(ChunkWithChangeQueues, AddAndRemoveInOneFrameLeaveThePixelEmptyWhoeverMadeT
   constexpr int kDelay = 2;
   // Same player, then two players in both orders.
   for (auto [adder, remover] : {std::pair{0, 0}, std::pair{0, 1}, std::pair{1, 0}}) {
-    std::vector<std::uint32_t> pixels(Chunk::kPixels, kSky);
-    ChunkWithChangeQueues chunk(ChunkOf(pixels), 2, 0, kDelay);
+    ChunkWithChangeQueues chunk(Filled(kSky), 2, 0, kDelay);
     // Each player changes the pixel in its update 0: the local player at frame 0, the other at frame D.
     for (int frame = 0; frame < 5 * kDelay; ++frame) {
       for (int player : {0, 1}) {
@@ -100,29 +101,25 @@ TEST(ChunkWithChangeQueues, AddAndRemoveInOneFrameLeaveThePixelEmptyWhoeverMadeT
       }
       chunk.frameAdvance();
     }
-    EXPECT_EQ(chunk.base().readPixel(7, 7), 0u) << adder << " adds, " << remover << " removes";
-    EXPECT_EQ(chunk.localBase().readPixel(7, 7), 0u) << adder << " adds, " << remover << " removes";
+    EXPECT_EQ(std::pair(chunk.base().readPixel(7, 7), chunk.localBase().readPixel(7, 7)), std::pair(0u, 0u))
+        << adder << " adds, " << remover << " removes";
   }
 }
 
 TEST(ChunkWithChangeQueues, RemoveThenAddNextFrameEndsAsGroundSeenFromTheFollowingFrames) {
   constexpr int kDelay = 3;
   for (int local : {0, 1}) {  // the same unit on its own client and on the other player's
-    ChunkWithChangeQueues chunk(ChunkOf(std::vector<std::uint32_t>(Chunk::kPixels, kGround)), 2, local, kDelay);
-    std::vector<bool> seen;
+    ChunkWithChangeQueues chunk(Filled(kGround), 2, local, kDelay);
     int const offset = local == 1 ? 0 : kDelay;  // player 1's updates run this many frames late
     for (int frame = 0; frame < 4 * kDelay + 4; ++frame) {
+      // Update 5 removes, update 6 adds: empty only in update 6, ground before and from update 7 on.
       int const update = frame - offset;
       if (update >= 0) {
-        seen.push_back(chunk.isGround(1, 3, 3));
+        EXPECT_EQ(chunk.isGround(1, 3, 3), update != 6) << "update " << update << " on client of player " << local;
       }
       if (update == 5) chunk.queueRemovePixel(1, 3, 3);
       if (update == 6) chunk.queueAddPixel(1, 3, 3);
       chunk.frameAdvance();
-    }
-    // Update 5 removes, update 6 adds: empty only in update 6, ground before and from update 7 on.
-    for (std::size_t update = 0; update < seen.size(); ++update) {
-      EXPECT_EQ(seen[update], update != 6) << "update " << update << " on client of player " << local;
     }
     EXPECT_EQ(chunk.base().readPixel(3, 3), ChunkWithChangeQueues::kAddedPixel);
     EXPECT_EQ(chunk.localBase().readPixel(3, 3), ChunkWithChangeQueues::kAddedPixel);
@@ -130,33 +127,24 @@ TEST(ChunkWithChangeQueues, RemoveThenAddNextFrameEndsAsGroundSeenFromTheFollowi
 }
 
 TEST(ChunkWithChangeQueues, IndestructiblePixelsTakeNoChangeAnywhere) {
-  std::vector<std::uint32_t> pixels(Chunk::kPixels, kSky);
-  pixels[ReferenceChunk::Index(9, 4)] = kRock;
-  ChunkWithChangeQueues chunk(ChunkOf(pixels), 3, 1, 2);
+  ChunkWithChangeQueues chunk(Filled(kSky, {{9, 4}}, kRock), 3, 1, 2);
   for (int player = 0; player < 3; ++player) {
     chunk.queueRemovePixel(player, 9, 4);
     chunk.queueAddPixel(player, 9, 4);
-  }
-  for (int player = 0; player < 3; ++player) {
-    EXPECT_EQ(chunk.queue(player).addEnd(chunk.queue(player).slots() - 1), 0u);
-    EXPECT_EQ(chunk.queue(player).removeEnd(chunk.queue(player).slots() - 1), 0u);
-    EXPECT_FALSE(chunk.queue(player).isPending(9, 4));
+    EXPECT_FALSE(chunk.queue(player).isPending(9, 4)) << player;
   }
   EXPECT_FALSE(chunk.hasLocalChangesQueued());
   for (int frame = 0; frame < 6; ++frame) {
     chunk.frameAdvance();
-    EXPECT_EQ(chunk.base().readPixel(9, 4), kRock);
-    EXPECT_EQ(chunk.localBase().readPixel(9, 4), kRock);
-    EXPECT_EQ(chunk.display().readPixel(9, 4), kRock);
+    for (Chunk const* copy : {&chunk.base(), &chunk.localBase(), &chunk.display()}) {
+      EXPECT_EQ(copy->readPixel(9, 4), kRock) << frame;
+    }
   }
 }
 
 TEST(ChunkWithChangeQueues, LocalChangesArePreviewedAtOnceOthersOnlyOnceInBase) {
   constexpr int kDelay = 4;
-  std::vector<std::uint32_t> pixels(Chunk::kPixels, kSky);
-  pixels[ReferenceChunk::Index(1, 0)] = kGround;
-  pixels[ReferenceChunk::Index(2, 0)] = kGround;
-  ChunkWithChangeQueues chunk(ChunkOf(pixels), 2, 0, kDelay);
+  ChunkWithChangeQueues chunk(Filled(kSky, {{1, 0}, {2, 0}}, kGround), 2, 0, kDelay);
 
   chunk.queueAddPixel(0, 0, 0);     // local add on sky
   chunk.queueRemovePixel(0, 1, 0);  // local remove on ground
@@ -184,8 +172,7 @@ TEST(ChunkWithChangeQueues, LocalChangesArePreviewedAtOnceOthersOnlyOnceInBase) 
 }
 
 TEST(ChunkWithChangeQueues, AddedAndRemovedInTheLocalQueueShowsTheMixedPreview) {
-  std::vector<std::uint32_t> pixels(Chunk::kPixels, kGround);
-  ChunkWithChangeQueues chunk(ChunkOf(pixels), 1, 0, 2);
+  ChunkWithChangeQueues chunk(Filled(kGround), 1, 0, 2);
   chunk.queueAddPixel(0, 4, 4);
   chunk.frameAdvance();
   chunk.queueRemovePixel(0, 4, 4);
@@ -210,62 +197,67 @@ struct LockstepCase {
 class ChunkLockstep : public ::testing::TestWithParam<LockstepCase> {};
 
 TEST_P(ChunkLockstep, EveryClientSeesTheSameTerrainForEachPlayer) {
-  LockstepCase const param = GetParam();
+  auto const [players, delay] = GetParam();
   Workload work;
-  work.seed = static_cast<unsigned>(param.players * 100 + param.delay);
-  work.players = param.players;
-  work.delay = param.delay;
+  work.seed = static_cast<unsigned>(players * 100 + delay);
+  work.players = players;
+  work.delay = delay;
   work.updates = 90;
   work.unitsPerPlayer = 25;
   work.minX = 100, work.maxX = 140, work.minY = 60, work.maxY = 90;
   std::vector<std::uint32_t> const terrain = MixedTerrain(work.seed);
 
-  std::vector<ClientLog> logs;
-  std::vector<std::vector<std::uint64_t>> digests(static_cast<std::size_t>(param.players));
-  std::vector<std::vector<std::uint64_t>> baseDigests(static_cast<std::size_t>(param.players));
-  std::vector<std::vector<std::uint64_t>> displayDigests(static_cast<std::size_t>(param.players));
-  std::vector<std::vector<std::uint32_t>> finalLocalBases;
-  for (int local = 0; local < param.players; ++local) {
-    auto client = std::make_unique<CheckedChunk>(terrain, param.players, local, param.delay);
-    logs.push_back(testing_support::RunClient(*client, work, local, [&](int) {
-      digests[static_cast<std::size_t>(local)].push_back(LocalBaseDigest(client->real));
-      baseDigests[static_cast<std::size_t>(local)].push_back(DigestOf(client->real.base()));
-      displayDigests[static_cast<std::size_t>(local)].push_back(DigestOf(client->real.display()));
-    }));
-    finalLocalBases.push_back(Copy(client->real.localBase()));
+  // Each client's log, its digests of localBase, base and display frame by frame, its final localBase.
+  struct Client {
+    ClientLog log;
+    std::vector<std::uint64_t> localBase, base, display;
+    std::vector<std::uint32_t> finalLocalBase;
+  };
+  std::vector<Client> clients(static_cast<std::size_t>(players));
+  for (int local = 0; local < players; ++local) {
+    Client& c = clients[static_cast<std::size_t>(local)];
+    auto chunk = std::make_unique<CheckedChunk>(terrain, players, local, delay);
+    c.log = testing_support::RunClient(*chunk, work, local, [&](int) {
+      c.localBase.push_back(LocalBaseDigest(chunk->real));
+      c.base.push_back(DigestOf(chunk->real.base()));
+      c.display.push_back(DigestOf(chunk->real.display()));
+    });
+    c.finalLocalBase = Copy(chunk->real.localBase());
     ASSERT_FALSE(HasFailure()) << "client of player " << local << " differs from the plain model";
   }
-  for (int local = 1; local < param.players; ++local) {
-    for (int player = 0; player < param.players; ++player) {
+  Client const& first = clients[0];
+  for (int local = 1; local < players; ++local) {
+    Client const& c = clients[static_cast<std::size_t>(local)];
+    for (int player = 0; player < players; ++player) {
       for (int update = 0; update < work.updates; ++update) {
-        ASSERT_EQ(logs[static_cast<std::size_t>(local)][player][update], logs[0][player][update])
+        ASSERT_EQ(c.log[player][update], first.log[player][update])
             << "player " << player << " update " << update << " on the clients of players 0 and " << local;
       }
     }
-    EXPECT_EQ(digests[static_cast<std::size_t>(local)], digests[0]);
-    EXPECT_EQ(finalLocalBases[static_cast<std::size_t>(local)], finalLocalBases[0]);
+    EXPECT_EQ(c.localBase, first.localBase);
+    EXPECT_EQ(c.finalLocalBase, first.finalLocalBase);
     // base holds every player's updates up to F - 2D on every client, so it agrees too; display
     // shows each client's own player's pending changes and doesn't.
-    EXPECT_EQ(baseDigests[static_cast<std::size_t>(local)], baseDigests[0]);
-    EXPECT_NE(displayDigests[static_cast<std::size_t>(local)], displayDigests[0]);
+    EXPECT_EQ(c.base, first.base);
+    EXPECT_NE(c.display, first.display);
   }
 
   // And the answers are the ones the visibility rule gives, with localBase frame by frame.
   std::vector<std::vector<std::uint32_t>> committed;
   auto const locate = [](int x, int y) -> std::optional<int> { return ReferenceChunk::Index(x & 255, y & 255); };
-  EXPECT_EQ(testing_support::CheckAgainstVisibilityRule(logs[0], work, terrain, locate, &committed), std::nullopt);
+  EXPECT_EQ(testing_support::CheckAgainstVisibilityRule(first.log, work, terrain, locate, &committed), std::nullopt);
   ASSERT_EQ(committed.size(), static_cast<std::size_t>(work.updates));
-  EXPECT_EQ(finalLocalBases[0], committed.back());
+  EXPECT_EQ(first.finalLocalBase, committed.back());
 
   // The workload must actually have dug and built for the comparisons to mean anything.
-  int removes = 0, adds = 0;
-  for (auto const& playerLog : logs[0]) {
+  int changes[2] = {0, 0};  // removes, adds
+  for (auto const& playerLog : first.log) {
     for (auto const& update : playerLog) {
-      for (auto const& change : update.changes) (change.add ? adds : removes) += 1;
+      for (auto const& change : update.changes) ++changes[change.add ? 1 : 0];
     }
   }
-  EXPECT_GT(removes, 500);
-  EXPECT_GT(adds, 200);
+  EXPECT_GT(changes[0], 500);
+  EXPECT_GT(changes[1], 200);
 }
 
 INSTANTIATE_TEST_SUITE_P(PlayersAndDelays, ChunkLockstep,

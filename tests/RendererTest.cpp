@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <functional>
 #include <numbers>
 #include <optional>
 #include <stdexcept>
@@ -29,24 +32,6 @@ std::ostream& operator<<(std::ostream& out, Box const& box) {
   return out << "[" << box.left << ".." << box.right << "] x [" << box.top << ".." << box.bottom << "]";
 }
 
-// The smallest box holding every pixel that isn't the background.
-std::optional<Box> Drawn(SoftwareTarget& target, std::uint32_t background = kBlack) {
-  target.flush();
-  std::optional<Box> box;
-  for (int y = 0; y < target.height(); ++y) {
-    for (int x = 0; x < target.width(); ++x) {
-      if (target.pixel(x, y) == background) continue;
-      if (!box) {
-        box = Box{x, y, x, y};
-      } else {
-        box->left = std::min(box->left, x), box->right = std::max(box->right, x);
-        box->top = std::min(box->top, y), box->bottom = std::max(box->bottom, y);
-      }
-    }
-  }
-  return box;
-}
-
 // The screen box of a world rectangle at zoom 2 with the camera at (cx, cy), worked out by hand from
 // "screen y grows downward from the top row, world y upward from the bottom row".
 Box Expected(float left, float bottom, float width, float height, float cx, float cy, int screenHeight) {
@@ -63,6 +48,22 @@ protected:
                              "circle_cross_section.png", "ship.png"}) {
       SaveImage(name, 8, 8, [](int, int) { return kInk; });
     }
+  }
+  // Clears the screen, draws, and returns the smallest box holding every pixel that isn't black.
+  Box drawn(std::function<void()> const& draw) {
+    target.clear(kBlack);
+    draw();
+    target.flush();
+    std::optional<Box> box;
+    for (int y = 0; y < target.height(); ++y) {
+      for (int x = 0; x < target.width(); ++x) {
+        if (target.pixel(x, y) == kBlack) continue;
+        Box const b = box.value_or(Box{x, y, x, y});
+        box = Box{std::min(b.left, x), std::min(b.top, y), std::max(b.right, x), std::max(b.bottom, y)};
+      }
+    }
+    EXPECT_TRUE(box.has_value()) << "nothing drawn";
+    return box.value_or(Box{-1, -1, -1, -1});
   }
   Renderer make(Camera camera, bool wrapX = false, bool wrapY = false, int worldWidth = 1000, int worldHeight = 1000) {
     return Renderer(target.renderer(), textures, target.width(), target.height(), worldWidth, worldHeight, wrapX, wrapY,
@@ -88,57 +89,44 @@ TEST_F(RendererGeometry, InvertYFlipsAboutTheScreen) {
 }
 
 TEST_F(RendererGeometry, TileRangesCoverTheViewWithAMarginOnWrappingAxesOnly) {
-  auto const make = [&](bool wrapX, bool wrapY, Camera camera) {
-    return Renderer(target.renderer(), textures, 1280, 720, 512, 256, wrapX, wrapY, camera);
+  // First and last tile on x, then on y.
+  auto const tiles = [&](bool wrapX, bool wrapY, Camera camera) {
+    Renderer const r(target.renderer(), textures, 1280, 720, 512, 256, wrapX, wrapY, camera);
+    return std::array{r.firstTileX(), r.lastTileX(), r.firstTileY(), r.lastTileY()};
   };
-  Renderer const flat = make(false, false, Camera{100.0f, -10.0f, 1.0f});
-  EXPECT_EQ(flat.firstTileX(), 0);
-  EXPECT_EQ(flat.lastTileX(), 0);
-  EXPECT_EQ(flat.firstTileY(), 0);
-  EXPECT_EQ(flat.lastTileY(), 0);
-
-  Renderer const wrapped = make(true, true, Camera{100.0f, -10.0f, 1.0f});
-  EXPECT_EQ(wrapped.firstTileX(), -1);  // floor(-50 / 512)
-  EXPECT_EQ(wrapped.lastTileX(), 3);    // ceil(1530 / 512)
-  EXPECT_EQ(wrapped.firstTileY(), -1);  // floor(-160 / 256)
-  EXPECT_EQ(wrapped.lastTileY(), 4);    // ceil(860 / 256)
-
-  Renderer const zoomed = make(true, false, Camera{200.0f, 0.0f, 2.0f});
-  EXPECT_EQ(zoomed.firstTileX(), 0);  // floor(50 / 512)
-  EXPECT_EQ(zoomed.lastTileX(), 2);   // ceil(990 / 512)
-  EXPECT_EQ(zoomed.lastTileY(), 0);
+  EXPECT_EQ(tiles(false, false, Camera{100.0f, -10.0f, 1.0f}), (std::array{0, 0, 0, 0}));
+  // floor(-50 / 512), ceil(1530 / 512), floor(-160 / 256), ceil(860 / 256)
+  EXPECT_EQ(tiles(true, true, Camera{100.0f, -10.0f, 1.0f}), (std::array{-1, 3, -1, 4}));
+  // floor(50 / 512), ceil(990 / 512); y doesn't wrap
+  EXPECT_EQ(tiles(true, false, Camera{200.0f, 0.0f, 2.0f}), (std::array{0, 2, 0, 0}));
 }
 
 TEST_F(RendererDrawing, EverySpriteCoversItsWorldRectangle) {
-  Camera const camera{100.0f, 50.0f, 2.0f};
-  Renderer renderer = make(camera);
+  Renderer renderer = make(Camera{100.0f, 50.0f, 2.0f});
   Position const p{160, 110};
   float const x = 160.0f, y = 110.0f;
+  auto const box = [&](float left, float bottom, float width, float height) {
+    return Expected(left, bottom, width, height, 100, 50, target.height());
+  };
   struct Case {
     char const* name;
     std::function<void()> draw;
     Box expected;
   };
-  int const h = target.height();
   std::vector<Case> const cases{
-      {"entry", [&] { renderer.renderEntry(p); }, Expected(x - 40, y, 80, 100, 100, 50, h)},
-      {"exit", [&] { renderer.renderExit(p); }, Expected(x - 30, y - 30, 60, 60, 100, 50, h)},
-      {"unit", [&] { renderer.renderLemming(p); }, Expected(x - 2.5f, y, 5, 10, 100, 50, h)},
-      {"brackets", [&] { renderer.renderSelectionBrackets(p); }, Expected(x - 9, y - 6, 18, 24, 100, 50, h)},
-      {"circle", [&] { renderer.renderCircle(x, y, 12.0f); }, Expected(x - 12, y - 12, 24, 24, 100, 50, h)},
-      {"missile", [&] { renderer.renderMissile(p, 0.0f); }, Expected(x - 2, y - 2, 17, 4, 100, 50, h)},
+      {"entry", [&] { renderer.renderEntry(p); }, box(x - 40, y, 80, 100)},
+      {"exit", [&] { renderer.renderExit(p); }, box(x - 30, y - 30, 60, 60)},
+      {"unit", [&] { renderer.renderLemming(p); }, box(x - 2.5f, y, 5, 10)},
+      {"brackets", [&] { renderer.renderSelectionBrackets(p); }, box(x - 9, y - 6, 18, 24)},
+      {"circle", [&] { renderer.renderCircle(x, y, 12.0f); }, box(x - 12, y - 12, 24, 24)},
+      {"missile", [&] { renderer.renderMissile(p, 0.0f); }, box(x - 2, y - 2, 17, 4)},
       // An 8 by 8 ship at scale 1.5 is 12 by 12, centred.
-      {"ship", [&] { renderer.renderShip(x, y, 1.5f, 0.0f); }, Expected(x - 6, y - 6, 12, 12, 100, 50, h)},
+      {"ship", [&] { renderer.renderShip(x, y, 1.5f, 0.0f); }, box(x - 6, y - 6, 12, 12)},
       // A capsule along x: the two circles and the 20 by 6 band between their centres.
-      {"swept", [&] { renderer.renderSweptCircle(x - 10, y, x + 10, y, 3.0f); },
-       Expected(x - 13, y - 3, 26, 6, 100, 50, h)},
+      {"swept", [&] { renderer.renderSweptCircle(x - 10, y, x + 10, y, 3.0f); }, box(x - 13, y - 3, 26, 6)},
   };
   for (Case const& c : cases) {
-    target.clear(kBlack);
-    c.draw();
-    std::optional<Box> const drawn = Drawn(target);
-    ASSERT_TRUE(drawn.has_value()) << c.name;
-    EXPECT_EQ(*drawn, c.expected) << c.name;
+    EXPECT_EQ(drawn(c.draw), c.expected) << c.name;
   }
 }
 
@@ -148,39 +136,28 @@ TEST_F(RendererDrawing, RotationIsCounterClockwiseInTheWorld) {
   SaveImage("hordeling.png", 8, 8, [](int px, int) { return px < 4 ? kInk : kPaper; });
   Renderer renderer = make(Camera{0.0f, 0.0f, 2.0f});
   Position const p{100, 70};
-  renderer.renderMissile(p, 0.0f);
-  std::optional<Box> const flat = Drawn(target);
-  ASSERT_TRUE(flat);
-  target.clear(kBlack);
-  renderer.renderMissile(p, std::numbers::pi_v<float> / 2.0f);
-  std::optional<Box> const turned = Drawn(target);
-  ASSERT_TRUE(turned);
+  Box const flat = drawn([&] { renderer.renderMissile(p, 0.0f); });
+  Box const turned = drawn([&] { renderer.renderMissile(p, std::numbers::pi_v<float> / 2.0f); });
   // Centre of the 17 by 4 rectangle: world (106.5, 70), screen (213, height - 1 - 140).
   float const centreY = static_cast<float>(target.height() - 1) - 2.0f * 70.0f;
   // The box turned upright is 34 pixels tall about the centre; the ink is its lower half, give or take
   // the filtering at the edge between ink and paper.
-  EXPECT_GE(turned->top, static_cast<int>(centreY) - 4);
-  EXPECT_GE(turned->bottom, static_cast<int>(centreY) + 15);
-  EXPECT_NEAR((turned->left + turned->right) / 2.0, 213.0, 2.5);
-  EXPECT_LT(turned->right - turned->left, flat->right - flat->left);
+  EXPECT_GE(turned.top, static_cast<int>(centreY) - 4);
+  EXPECT_GE(turned.bottom, static_cast<int>(centreY) + 15);
+  EXPECT_NEAR((turned.left + turned.right) / 2.0, 213.0, 2.5);
+  EXPECT_LT(turned.right - turned.left, flat.right - flat.left);
 }
 
 TEST_F(RendererDrawing, MirroredSpriteFlipsAboutItsCentre) {
   SaveImage("arrow.png", 8, 4, [](int px, int) { return px < 2 ? 0xFFFF0000u : 0xFF00FF00u; });
   Renderer renderer = make(Camera{0.0f, 0.0f, 2.0f});
-  renderer.renderTexture_CentreAnchor("arrow.png", 50.0f, 40.0f, 1.0f, 0.0f, false);
-  std::optional<Box> const plain = Drawn(target);
-  ASSERT_TRUE(plain);
-  EXPECT_EQ(*plain, Expected(46, 38, 8, 4, 0, 0, target.height()));
-  EXPECT_EQ(target.pixel(plain->left, plain->top + 1), 0xFFFF0000u);
-  EXPECT_EQ(target.pixel(plain->right, plain->top + 1), 0xFF00FF00u);
-  target.clear(kBlack);
-  renderer.renderTexture_CentreAnchor("arrow.png", 50.0f, 40.0f, 1.0f, 0.0f, true);
-  std::optional<Box> const mirrored = Drawn(target);
-  ASSERT_TRUE(mirrored);
-  EXPECT_EQ(*mirrored, *plain);
-  EXPECT_EQ(target.pixel(mirrored->left, mirrored->top + 1), 0xFF00FF00u);
-  EXPECT_EQ(target.pixel(mirrored->right, mirrored->top + 1), 0xFFFF0000u);
+  Box const plain = drawn([&] { renderer.renderTexture_CentreAnchor("arrow.png", 50.0f, 40.0f, 1.0f, 0.0f, false); });
+  EXPECT_EQ(plain, Expected(46, 38, 8, 4, 0, 0, target.height()));
+  EXPECT_EQ(target.pixel(plain.left, plain.top + 1), 0xFFFF0000u);
+  EXPECT_EQ(target.pixel(plain.right, plain.top + 1), 0xFF00FF00u);
+  EXPECT_EQ(drawn([&] { renderer.renderTexture_CentreAnchor("arrow.png", 50.0f, 40.0f, 1.0f, 0.0f, true); }), plain);
+  EXPECT_EQ(target.pixel(plain.left, plain.top + 1), 0xFF00FF00u);
+  EXPECT_EQ(target.pixel(plain.right, plain.top + 1), 0xFFFF0000u);
 }
 
 TEST_F(RendererDrawing, SweptCircleWithEqualEndsDrawsOnlyTheCircles) {
@@ -217,15 +194,14 @@ TEST_F(RendererDrawing, ASpriteIsDrawnOnceForEachCopyOfAWrappedWorldInView) {
 TEST_F(RendererDrawing, GreyscaleSpritesWearTheColourInForce) {
   textures.setGreyscaleColour(SDL_Color{0, 128, 255, 255});
   Renderer renderer = make(Camera{0.0f, 0.0f, 2.0f});
-  renderer.renderCircle(50.0f, 50.0f, 4.0f);  // first asked for after the colour was set
-  std::optional<Box> const box = Drawn(target);
-  ASSERT_TRUE(box);
-  EXPECT_EQ(target.pixel(box->left + 2, box->top + 2), 0xFF0080FFu);
+  // The circle's texture is first asked for after the colour was set.
+  Box const box = drawn([&] { renderer.renderCircle(50.0f, 50.0f, 4.0f); });
+  EXPECT_EQ(target.pixel(box.left + 2, box.top + 2), 0xFF0080FFu);
 
   // A new colour reaches the textures already held.
   textures.setGreyscaleColour(SDL_Color{255, 0, 0, 255});
   target.clear(kBlack);
   renderer.renderCircle(50.0f, 50.0f, 4.0f);
   target.flush();
-  EXPECT_EQ(target.pixel(box->left + 2, box->top + 2), 0xFFFF0000u);
+  EXPECT_EQ(target.pixel(box.left + 2, box.top + 2), 0xFFFF0000u);
 }

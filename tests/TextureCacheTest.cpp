@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include "TextureCache.h"
@@ -54,12 +55,9 @@ TEST_F(TextureCacheTest, GreyscaleColourIsGlobalToAllGreyscaleTextures) {
   cache.setGreyscaleColour(SDL_Color{10, 20, 30, 40});
   SDL_Texture* b = cache.getGreyscaleTexture("b.png");
   for (SDL_Texture* texture : {a, b}) {
-    Uint8 r = 0, g = 0, bl = 0, alpha = 0;
-    SDL_GetTextureColorMod(texture, &r, &g, &bl);
-    SDL_GetTextureAlphaMod(texture, &alpha);
-    EXPECT_EQ(r, 10);
-    EXPECT_EQ(g, 20);
-    EXPECT_EQ(bl, 30);
-    EXPECT_EQ(alpha, 40);
+    std::array<Uint8, 4> mod{};
+    SDL_GetTextureColorMod(texture, &mod[0], &mod[1], &mod[2]);
+    SDL_GetTextureAlphaMod(texture, &mod[3]);
+    EXPECT_EQ(mod, (std::array<Uint8, 4>{10, 20, 30, 40}));
   }
 }

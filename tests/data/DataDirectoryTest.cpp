@@ -3,6 +3,7 @@
 #include <SDL3_image/SDL_image.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -42,25 +43,16 @@ ImageSize LoadImageSize(std::string const& file) {
 
 // Reads a WAV file's chunks and returns the description of its first problem, or an empty string.
 std::string WavProblem(std::vector<unsigned char> const& b) {
-  if (b.size() < 12 || std::string(b.begin(), b.begin() + 4) != "RIFF" ||
-      std::string(b.begin() + 8, b.begin() + 12) != "WAVE") {
-    return "not a RIFF WAVE file";
-  }
-  if (Le32(b, 4) + 8 != b.size()) {
-    return "RIFF size does not match the file size";
-  }
-  bool sawFormat = false;
-  std::uint16_t blockAlign = 0;
-  for (std::size_t at = 12; at + 8 <= b.size();) {
-    std::string const id(b.begin() + static_cast<std::ptrdiff_t>(at), b.begin() + static_cast<std::ptrdiff_t>(at) + 4);
+  auto const text = [&](std::size_t at) { return std::string(b.begin() + at, b.begin() + at + 4); };
+  if (b.size() < 12 || text(0) != "RIFF" || text(8) != "WAVE") return "not a RIFF WAVE file";
+  if (Le32(b, 4) + 8 != b.size()) return "RIFF size does not match the file size";
+  std::uint16_t blockAlign = 0;  // until the format chunk is read
+  for (std::size_t at = 12; at + 8 <= b.size(); at += 8 + Le32(b, at + 4) + (Le32(b, at + 4) & 1)) {
+    std::string const id = text(at);
     std::uint32_t const size = Le32(b, at + 4);
-    if (at + 8 + size > b.size()) {
-      return "chunk '" + id + "' runs past the end";
-    }
+    if (at + 8 + size > b.size()) return "chunk '" + id + "' runs past the end";
     if (id == "fmt ") {
-      if (size < 16 || Le16(b, at + 8) != 1 || Le16(b, at + 22) != 16) {
-        return "format is not 16-bit PCM";
-      }
+      if (size < 16 || Le16(b, at + 8) != 1 || Le16(b, at + 22) != 16) return "format is not 16-bit PCM";
       std::uint16_t const channels = Le16(b, at + 10);
       std::uint32_t const rate = Le32(b, at + 12);
       blockAlign = Le16(b, at + 20);
@@ -68,67 +60,46 @@ std::string WavProblem(std::vector<unsigned char> const& b) {
           Le32(b, at + 16) != rate * blockAlign) {
         return "inconsistent format chunk";
       }
-      sawFormat = true;
     } else if (id == "data") {
-      if (!sawFormat) {
-        return "data before format";
-      }
-      if (size == 0 || size % blockAlign != 0) {
-        return "empty or ragged data";
-      }
+      if (blockAlign == 0) return "data before format";
+      if (size == 0 || size % blockAlign != 0) return "empty or ragged data";
       // A short effect: up to two seconds, and not silent.
-      if (size > 2u * 48000 * blockAlign) {
-        return "longer than two seconds";
-      }
+      if (size > 2u * 48000 * blockAlign) return "longer than two seconds";
       int loudest = 0;
       for (std::size_t i = 0; i + 1 < size; i += 2) {
         loudest = std::max(loudest, std::abs(static_cast<int>(static_cast<std::int16_t>(Le16(b, at + 8 + i)))));
       }
       return loudest > 1000 ? "" : "silent";
     }
-    at += 8 + size + (size & 1);
   }
   return "no data chunk";
 }
 
-class DataDirectory : public ::testing::Test {
-protected:
-  void SetUp() override { ASSERT_TRUE(SDL_Init(0)) << SDL_GetError(); }
-  void TearDown() override { SDL_Quit(); }
-};
+using DataDirectory = ::testing::Test;
 
 }  // namespace
 
-TEST_F(DataDirectory, EveryImageLoads) {
+TEST_F(DataDirectory, EveryImageLoadsAtASizeThatSuitsItsPlace) {
   for (char const* file :
        {"world.png", "world2.png", "coop.png", "tutorial_dig_down.png", "tutorial_dig_sideways.png", "tutorial_bridge.png",
         "tutorial_pit.png", "aviators.png", "entry.png", "exit.png", "hordeling.png", "selection_brackets.png",
         "circle.png", "circle_cross_section.png", "ship.png", "ring.png", "star.png", "banner.png", "immediate_icon.png",
         "blocked_icon.png", "falling_icon.png", "turned_icon.png", "cursor.png", "cursor_left.png", "cursor_right.png"}) {
     ImageSize const size = LoadImageSize(file);
-    EXPECT_GT(size.width, 0) << file;
-    EXPECT_GT(size.height, 0) << file;
+    EXPECT_TRUE(size.width > 0 && size.height > 0) << file;
   }
-}
-
-TEST_F(DataDirectory, IconsAndCursorsSuitTheirPlaces) {
+  auto const squareWithin = [](char const* file, int least, int most) {
+    ImageSize const size = LoadImageSize(file);
+    EXPECT_TRUE(size.width >= least && size.width <= most && size.width == size.height)
+        << file << " is " << size.width << " by " << size.height;
+  };
   // Trigger icons are drawn at their own size over units, in 20 by 20 selector cells and over cursors.
   for (char const* file : {"immediate_icon.png", "blocked_icon.png", "falling_icon.png", "turned_icon.png"}) {
-    ImageSize const size = LoadImageSize(file);
-    EXPECT_GE(size.width, 16) << file;
-    EXPECT_LE(size.width, 24) << file;
-    EXPECT_EQ(size.width, size.height) << file;
+    squareWithin(file, 16, 24);
   }
-  for (char const* file : {"cursor.png", "cursor_left.png", "cursor_right.png"}) {
-    ImageSize const size = LoadImageSize(file);
-    EXPECT_GE(size.width, 24) << file;
-    EXPECT_LE(size.width, 64) << file;
-    EXPECT_EQ(size.width, size.height) << file;
-  }
+  for (char const* file : {"cursor.png", "cursor_left.png", "cursor_right.png"}) squareWithin(file, 24, 64);
   // The ship is drawn at 32/63 of its size, so that it spans 32 world pixels.
-  ImageSize const ship = LoadImageSize("ship.png");
-  EXPECT_EQ(ship.width, 63);
-  EXPECT_EQ(ship.height, 63);
+  squareWithin("ship.png", 63, 63);
 }
 
 TEST_F(DataDirectory, ColourImagesHaveTransparency) {
@@ -141,11 +112,8 @@ TEST_F(DataDirectory, ColourImagesHaveTransparency) {
     auto const* pixels = static_cast<std::uint32_t const*>(surface->pixels);
     std::uint32_t const corner = pixels[static_cast<std::ptrdiff_t>(surface->h - 1) * (surface->pitch / 4) + surface->w - 1];
     EXPECT_EQ(corner >> 24, 0u) << file << ": the bottom right corner should be see-through";
-    bool opaque = false;
-    for (int i = 0; i < surface->w * surface->h; ++i) {
-      opaque = opaque || (pixels[i] >> 24) == 255;
-    }
-    EXPECT_TRUE(opaque) << file;
+    EXPECT_TRUE(std::any_of(pixels, pixels + surface->w * surface->h, [](std::uint32_t p) { return p >> 24 == 255; }))
+        << file << " has no opaque pixel";
     SDL_DestroySurface(surface);
   }
 }
@@ -166,17 +134,13 @@ TEST(WavReader, FindsTheFaultsItLooksFor) {
                                      'd', 'a', 't', 'a', 8, 0, 0, 0, 0, 0x40, 0, 0xC0, 0, 0x20, 0, 0};
   good[4] = static_cast<unsigned char>(good.size() - 8);
   EXPECT_EQ(WavProblem(good), "");
-  std::vector<unsigned char> truncated(good.begin(), good.end() - 2);
-  EXPECT_NE(WavProblem(truncated), "");
-  std::vector<unsigned char> eightBit = good;
-  eightBit[34] = 8;
-  EXPECT_EQ(WavProblem(eightBit), "format is not 16-bit PCM");
-  std::vector<unsigned char> silent = good;
-  for (std::size_t i = 44; i < silent.size(); ++i) {
-    silent[i] = 0;
-  }
-  EXPECT_EQ(WavProblem(silent), "silent");
-  std::vector<unsigned char> notWave = good;
-  notWave[8] = 'X';
-  EXPECT_EQ(WavProblem(notWave), "not a RIFF WAVE file");
+  auto const damaged = [&](auto const& change) {
+    std::vector<unsigned char> copy = good;
+    change(copy);
+    return WavProblem(copy);
+  };
+  EXPECT_NE(damaged([](auto& b) { b.resize(b.size() - 2); }), "");
+  EXPECT_EQ(damaged([](auto& b) { b[34] = 8; }), "format is not 16-bit PCM");
+  EXPECT_EQ(damaged([](auto& b) { std::fill(b.begin() + 44, b.end(), 0); }), "silent");
+  EXPECT_EQ(damaged([](auto& b) { b[8] = 'X'; }), "not a RIFF WAVE file");
 }

@@ -1,16 +1,19 @@
 // The map images in data/ against the catalogues: each still has the digest recorded for it, and each
-// map's starts and exits make sense on the world that the image becomes.
+// map's starts and exits make sense on the world that the image becomes, read through the game's own
+// world (transformed, rounded up to whole chunks, y upward, solid outside unless the axis wraps).
 #include <SDL3/SDL.h>
 #include <SDL3_image/SDL_image.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
-#include <vector>
+#include <utility>
 
+#include "ChunkedWorld.h"
 #include "Games.h"
 #include "MapImages.h"
 #include "XXHashHasher.h"
+#include "support/TestImages.h"
 
 namespace {
 
@@ -24,101 +27,59 @@ SDL_Surface* LoadConverted(std::string const& file) {
   return converted;
 }
 
-// The terrain of a map as its world holds it: transformed, rounded up to whole chunks, y upward, read
-// with the world's rules for wrapping and for what lies outside.
-class MapWorld {
-public:
-  explicit MapWorld(MapSettings const& map) : wrapX_(map.wrapX), wrapY_(map.wrapY) {
-    SDL_Surface* source = LoadConverted(map.imageFile);
-    if (source == nullptr) {
-      ADD_FAILURE() << map.imageFile << " does not load";
-      return;
-    }
-    SDL_Surface* world = ApplyMapTransformations(source, map);
-    SDL_DestroySurface(source);
-    imageWidth_ = world->w;
-    imageHeight_ = world->h;
-    width_ = (world->w + 255) / 256 * 256;
-    height_ = (world->h + 255) / 256 * 256;
-    alpha_.assign(static_cast<std::size_t>(width_) * height_, 0);
-    for (int row = 0; row < world->h; ++row) {
-      auto const* pixels = reinterpret_cast<std::uint32_t const*>(static_cast<std::uint8_t const*>(world->pixels) +
-                                                                  static_cast<std::ptrdiff_t>(row) * world->pitch);
-      int const y = world->h - 1 - row;
-      for (int x = 0; x < world->w; ++x) {
-        alpha_[static_cast<std::size_t>(y) * width_ + x] = static_cast<std::uint8_t>(pixels[x] >> 24);
-      }
-    }
-    SDL_DestroySurface(world);
+// The size of a map's image after its transformations, before the world rounds it up to whole chunks.
+std::pair<int, int> TransformedSize(MapSettings const& map) {
+  SDL_Surface* source = LoadConverted(map.imageFile);
+  if (source == nullptr) {
+    ADD_FAILURE() << map.imageFile << " does not load";
+    return {0, 0};
   }
+  SDL_Surface* image = ApplyMapTransformations(source, map);
+  std::pair const size{image->w, image->h};
+  SDL_DestroySurface(source);
+  SDL_DestroySurface(image);
+  return size;
+}
 
-  int width() const { return width_; }
-  int height() const { return height_; }
-  int imageWidth() const { return imageWidth_; }
-  int imageHeight() const { return imageHeight_; }
-
-  bool inside(int x, int y) const { return x >= 0 && y >= 0 && x < width_ && y < height_; }
-
-  bool isGround(int x, int y) const {
-    if (wrapX_) {
-      x = ((x % width_) + width_) % width_;
+// Counting down from just below (x, y): the distance to the first ground that is part of the world
+// (not the solid outside), or -1 if a unit falling there would never land on the map itself.
+int FallDistance(ChunkedWorld const& world, int x, int y) {
+  int const h = world.height();
+  for (int d = 1; d <= h; ++d) {
+    int ty = y - d;
+    if (world.wrapY()) {
+      ty = (ty % h + h) % h;
+    } else if (ty < 0) {
+      return -1;
     }
-    if (wrapY_) {
-      y = ((y % height_) + height_) % height_;
+    if (world.isGround(0, x, ty)) {
+      return d - 1;
     }
-    if (!inside(x, y)) {
-      return true;
-    }
-    return alpha_[static_cast<std::size_t>(y) * width_ + x] >= 254;
   }
+  return -1;
+}
 
-  // Counting down from just below (x, y): the distance to the first ground that is part of the world
-  // (not the solid outside), or -1 if a unit falling there would never land on the map itself.
-  int fallDistance(int x, int y) const {
-    for (int d = 1; d <= height_; ++d) {
-      int ty = y - d;
-      if (wrapY_) {
-        ty = ((ty % height_) + height_) % height_;
-      } else if (ty < 0) {
-        return -1;
-      }
-      if (isGround(x, ty)) {
-        return d - 1;
-      }
+bool OpenBox(ChunkedWorld const& world, int x0, int y0, int x1, int y1) {
+  for (int y = y0; y <= y1; ++y) {
+    for (int x = x0; x <= x1; ++x) {
+      if (world.isGround(0, x, y)) return false;
     }
-    return -1;
   }
+  return true;
+}
 
-  bool openBox(int x0, int y0, int x1, int y1) const {
-    for (int y = y0; y <= y1; ++y) {
-      for (int x = x0; x <= x1; ++x) {
-        if (isGround(x, y)) {
-          return false;
-        }
-      }
-    }
-    return true;
-  }
+bool Inside(ChunkedWorld const& world, Position p) {
+  return p.x >= 0 && p.y >= 0 && p.x < world.width() && p.y < world.height();
+}
 
-private:
-  bool wrapX_;
-  bool wrapY_;
-  int imageWidth_ = 0;
-  int imageHeight_ = 0;
-  int width_ = 0;
-  int height_ = 0;
-  std::vector<std::uint8_t> alpha_;
-};
-
-// Negative coordinates count from the far edge of the world.
-Position WrappedAlways(Position p, MapWorld const& world) {
-  return {p.x < 0 ? p.x + world.width() : p.x, p.y < 0 ? p.y + world.height() : p.y};
+// Negative coordinates count from the far edge of the world; the ship games count from its last pixel.
+Position FromFarEdge(Position p, ChunkedWorld const& world, int lastPixel = 0) {
+  return {p.x < 0 ? p.x + world.width() - lastPixel : p.x, p.y < 0 ? p.y + world.height() - lastPixel : p.y};
 }
 
 class MapData : public ::testing::Test {
 protected:
-  void SetUp() override { ASSERT_TRUE(SDL_Init(0)) << SDL_GetError(); }
-  void TearDown() override { SDL_Quit(); }
+  static ChunkedWorld WorldOf(MapSettings const& map) { return ChunkedWorld(nullptr, 1, 0, 1, map); }
   Games games;
 };
 
@@ -143,64 +104,41 @@ TEST_F(MapData, EveryMapImageMatchesItsRecordedDigest) {
 
 TEST_F(MapData, WrappingMapsAreWholeChunks) {
   for (auto const& [name, map] : games.refGame(Game::GlowHorde).maps) {
-    if (!map.wrapX && !map.wrapY) {
-      continue;
-    }
-    MapWorld const world(map);
-    if (map.wrapX) {
-      EXPECT_EQ(world.imageWidth() % 256, 0) << name;
-    }
-    if (map.wrapY) {
-      EXPECT_EQ(world.imageHeight() % 256, 0) << name;
-    }
+    auto const [width, height] = TransformedSize(map);
+    EXPECT_TRUE(!map.wrapX || width % 256 == 0) << name << " is " << width << " wide";
+    EXPECT_TRUE(!map.wrapY || height % 256 == 0) << name << " is " << height << " high";
   }
 }
 
-TEST_F(MapData, EveryStartDropsUnitsOntoTheMap) {
+TEST_F(MapData, StartsDropUnitsOntoTheMapAndExitsStandInTheOpenAwayFromThem) {
   for (auto const& [name, map] : games.refGame(Game::GlowHorde).maps) {
-    MapWorld const world(map);
+    ChunkedWorld const world = WorldOf(map);
     ASSERT_GE(map.starts.size(), map.maxPlayers) << name;
-    for (std::size_t slot = 0; slot < map.maxPlayers; ++slot) {
-      Position const start = WrappedAlways(map.starts[slot], world);
-      SCOPED_TRACE(name + ", slot " + std::to_string(slot));
-      ASSERT_TRUE(world.inside(start.x, start.y)) << start.x << ", " << start.y;
-      EXPECT_TRUE(world.openBox(start.x - 3, start.y - 3, start.x + 3, start.y + 3)) << "the start is in terrain";
-      int const fall = world.fallDistance(start.x, start.y);
-      EXPECT_GE(fall, 0) << "units fall out of the map below the start";
-      EXPECT_LE(fall, 400);
-    }
-  }
-}
-
-TEST_F(MapData, EveryExitStandsOnGroundInTheOpen) {
-  for (auto const& [name, map] : games.refGame(Game::GlowHorde).maps) {
-    MapWorld const world(map);
     for (std::size_t team = 0; team < map.exits.size(); ++team) {
-      Position const exit = WrappedAlways(map.exits[team], world);
+      Position const exit = FromFarEdge(map.exits[team], world);
       SCOPED_TRACE(name + ", exit " + std::to_string(team));
-      ASSERT_TRUE(world.inside(exit.x, exit.y));
-      int const fall = world.fallDistance(exit.x, exit.y);
+      ASSERT_TRUE(Inside(world, exit));
+      int const fall = FallDistance(world, exit.x, exit.y);
       EXPECT_GE(fall, 0);
       EXPECT_LE(fall, 3) << "the exit floats above the ground";
-      EXPECT_TRUE(world.openBox(exit.x - 6, exit.y, exit.x + 6, exit.y + 12)) << "the exit is buried";
+      EXPECT_TRUE(OpenBox(world, exit.x - 6, exit.y, exit.x + 6, exit.y + 12)) << "the exit is buried";
     }
-  }
-}
-
-TEST_F(MapData, ExitsAreNotAtTheStarts) {
-  // A unit must not be taken by an exit on its way down from a start: the exit grabs anything within
-  // 30 pixels, falling or not.
-  for (auto const& [name, map] : games.refGame(Game::GlowHorde).maps) {
-    MapWorld const world(map);
     for (std::size_t slot = 0; slot < map.maxPlayers; ++slot) {
-      Position const start = WrappedAlways(map.starts[slot], world);
-      int const fall = world.fallDistance(start.x, start.y);
+      Position const start = FromFarEdge(map.starts[slot], world);
+      SCOPED_TRACE(name + ", slot " + std::to_string(slot));
+      ASSERT_TRUE(Inside(world, start)) << start.x << ", " << start.y;
+      EXPECT_TRUE(OpenBox(world, start.x - 3, start.y - 3, start.x + 3, start.y + 3)) << "the start is in terrain";
+      int const fall = FallDistance(world, start.x, start.y);
+      EXPECT_GE(fall, 0) << "units fall out of the map below the start";
+      EXPECT_LE(fall, 400);
+      // A unit must not be taken by an exit on its way down: an exit grabs anything within 30 pixels,
+      // falling or not.
       for (std::size_t team = 0; team < map.exits.size(); ++team) {
-        Position const exit = WrappedAlways(map.exits[team], world);
+        Position const exit = FromFarEdge(map.exits[team], world);
         for (int d = 0; d <= fall; ++d) {
           long long const dx = start.x - exit.x;
           long long const dy = start.y - d - exit.y;
-          EXPECT_GT(dx * dx + dy * dy, 900) << name << ": slot " << slot << " falls into exit " << team;
+          EXPECT_GT(dx * dx + dy * dy, 900) << "falls into exit " << team;
         }
       }
     }
@@ -210,47 +148,32 @@ TEST_F(MapData, ExitsAreNotAtTheStarts) {
 TEST_F(MapData, ShipsStartInOpenSpace) {
   for (Game game : {Game::Aviators, Game::Vipers}) {
     for (auto const& [name, map] : games.refGame(game).maps) {
-      MapWorld const world(map);
-      EXPECT_EQ(world.imageWidth(), world.width()) << name;
+      ChunkedWorld const world = WorldOf(map);
+      EXPECT_EQ(TransformedSize(map).first, world.width()) << name;
       for (std::size_t slot = 0; slot < map.maxPlayers; ++slot) {
-        Position start = map.starts[slot];
-        // The ship games count a negative coordinate from the last pixel.
-        start.x = start.x < 0 ? start.x + world.width() - 1 : start.x;
-        start.y = start.y < 0 ? start.y + world.height() - 1 : start.y;
+        Position const start = FromFarEdge(map.starts[slot], world, 1);
         SCOPED_TRACE(name + ", slot " + std::to_string(slot));
-        ASSERT_TRUE(world.inside(start.x, start.y));
+        ASSERT_TRUE(Inside(world, start));
         // A ship is kept 10 pixels from terrain; leave it room to turn and thrust.
-        EXPECT_TRUE(world.openBox(start.x - 40, start.y - 40, start.x + 40, start.y + 40));
+        EXPECT_TRUE(OpenBox(world, start.x - 40, start.y - 40, start.x + 40, start.y + 40));
       }
     }
   }
 }
 
-TEST(MapWorldReader, SeesGroundWhereTheAlphaSaysSo) {
-  // The reader of this file against a map made here: the checks above are only as good as it is.
-  ASSERT_TRUE(SDL_Init(0));
-  SDL_Surface* surface = SDL_CreateSurface(300, 2, SDL_PIXELFORMAT_ARGB8888);
-  auto* pixels = static_cast<std::uint32_t*>(surface->pixels);
-  auto* row1 = reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(surface->pixels) + surface->pitch);
-  for (int x = 0; x < 300; ++x) {
-    pixels[x] = 0x10FFFFFF;                 // top row: scenery
-    row1[x] = x < 100 ? 0xFE804020u : 0xFD804020u;  // bottom row: ground, then almost-ground
-  }
-  std::string const path = "data/map_world_reader_test.png";
-  ASSERT_TRUE(IMG_SavePNG(surface, path.c_str()));
-  SDL_DestroySurface(surface);
+TEST(MapDataHelpers, FallDistanceAndOpenBoxReadTheWorld) {
+  // The helpers above against a map made here: the checks are only as good as they are. Image row 1,
+  // world row 0: ground, then almost-ground; image row 0: scenery.
+  testing_support::ScopedDataDirectory directory;
+  testing_support::SaveImage("floor.png", 300, 2, [](int x, int y) {
+    return y == 0 ? 0x10FFFFFFu : x < 100 ? 0xFE804020u : 0xFD804020u;
+  });
   MapSettings map;
-  map.imageFile = "map_world_reader_test.png";
-  MapWorld const world(map);
-  std::remove(path.c_str());
-  EXPECT_EQ(world.width(), 512);
-  EXPECT_EQ(world.height(), 256);
-  EXPECT_TRUE(world.isGround(50, 0));
-  EXPECT_FALSE(world.isGround(150, 0));
-  EXPECT_FALSE(world.isGround(50, 1));
-  EXPECT_FALSE(world.isGround(400, 100));  // the margin is open
-  EXPECT_TRUE(world.isGround(-1, 5));      // outside is solid
-  EXPECT_EQ(world.fallDistance(50, 40), 39);
-  EXPECT_EQ(world.fallDistance(150, 40), -1);
-  SDL_Quit();
+  map.imageFile = "floor.png";
+  ChunkedWorld const world(nullptr, 1, 0, 1, map);
+  EXPECT_EQ(FallDistance(world, 50, 40), 39);
+  EXPECT_EQ(FallDistance(world, 150, 40), -1);
+  EXPECT_TRUE(OpenBox(world, 99, 1, 400, 255));   // scenery and the margin are open
+  EXPECT_FALSE(OpenBox(world, 99, 0, 99, 0));
+  EXPECT_FALSE(OpenBox(world, -5, 10, 5, 10));     // outside is solid
 }

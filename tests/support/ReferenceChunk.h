@@ -6,9 +6,57 @@
 
 namespace testing_support {
 
-// A deliberately plain model of a chunk with its three copies and per-player change queues: every slot
-// is a list of its changes and every question is answered by walking the slots one by one. The real
-// chunk, with its index, must give exactly the same answers.
+// A deliberately plain model of one player's change queue: every slot is a list of its adds and a list
+// of its removes, and every question is answered by walking the slots one by one, adds before removes.
+class ReferenceQueue {
+public:
+  using Changes = std::vector<std::pair<int, int>>;
+
+  explicit ReferenceQueue(int slots) : slots_(static_cast<std::size_t>(slots)) {}
+
+  void queue(int x, int y, bool add) { (add ? slots_.back().adds : slots_.back().removes).emplace_back(x, y); }
+  void advance() {
+    slots_.erase(slots_.begin());
+    slots_.emplace_back();
+  }
+  Changes const& changes(int slot, bool adds) const {
+    Slot const& s = slots_[static_cast<std::size_t>(slot)];
+    return adds ? s.adds : s.removes;
+  }
+
+  bool isGround(int x, int y, bool ground, int first, int last) const {
+    for (int s = first; s <= last; ++s) {
+      for (auto const& c : changes(s, true)) ground = ground || c == std::pair{x, y};
+      for (auto const& c : changes(s, false)) ground = ground && c != std::pair{x, y};
+    }
+    return ground;
+  }
+
+  // The preview of the pixel: added (and not removed after), added and removed, or removed.
+  std::uint32_t modified(int x, int y, std::uint32_t pixel, int first, int last) const {
+    bool added = false, removed = false;
+    for (int s = first; s <= last; ++s) {
+      for (auto const& c : changes(s, true)) {
+        if (c == std::pair{x, y}) added = true, removed = false;
+      }
+      for (auto const& c : changes(s, false)) {
+        if (c == std::pair{x, y}) removed = true;
+      }
+    }
+    if (added) return removed ? 0x66FFFFFFu : 0x88FFFFFFu;
+    if (removed && pixel != 0) return (pixel & 0xFFFFFFu) | 0x88000000u;
+    return pixel;
+  }
+
+private:
+  struct Slot {
+    Changes adds, removes;
+  };
+  std::vector<Slot> slots_;
+};
+
+// The same plainness for a chunk with its three copies and per-player queues. The real chunk, with its
+// index, must give exactly the same answers.
 class ReferenceChunk {
 public:
   using Pixels = std::vector<std::uint32_t>;
@@ -16,95 +64,57 @@ public:
   ReferenceChunk(Pixels const& initial, int players, int localPlayer, int delay)
       : local_(localPlayer), delay_(delay), base_(initial), localBase_(initial), display_(initial) {
     for (int p = 0; p < players; ++p) {
-      queues_.emplace_back(static_cast<std::size_t>(p == localPlayer ? 2 * delay + 1 : delay + 1));
+      queues_.emplace_back(p == localPlayer ? 2 * delay + 1 : delay + 1);
     }
   }
 
   static bool Ground(std::uint32_t pixel) { return (pixel >> 24) >= 254; }
+  static int Index(int x, int y) { return y * 256 + x; }
 
   bool isGround(int player, int x, int y) const {
+    ReferenceQueue const& q = queues_[static_cast<std::size_t>(player)];
     if (player == local_) {
-      return play(player, x, y, Ground(localBase_[Index(x, y)]), delay_, 2 * delay_ - 1);
+      return q.isGround(x, y, Ground(localBase_[Index(x, y)]), delay_, 2 * delay_ - 1);
     }
-    return play(player, x, y, Ground(base_[Index(x, y)]), 0, delay_ - 1);
+    return q.isGround(x, y, Ground(base_[Index(x, y)]), 0, delay_ - 1);
   }
 
   void queue(int player, int x, int y, bool add) {
     if ((base_[Index(x, y)] >> 24) == 255) {
       return;
     }
-    Slot& newest = queues_[static_cast<std::size_t>(player)].back();
-    (add ? newest.adds : newest.removes).emplace_back(x, y);
-    display_[Index(x, y)] = preview(x, y, base_[Index(x, y)], 0);
+    queues_[static_cast<std::size_t>(player)].queue(x, y, add);
+    display_[Index(x, y)] = preview(x, y, 0);
   }
 
+  // Every player's adds of a slot before all their removes: base takes the oldest slot, localBase the
+  // slot D frames old; display shows what base became, with the local player's later changes over it.
   void frameAdvance() {
-    for (auto& q : queues_) {
-      for (auto [x, y] : q.front().adds) base_[Index(x, y)] = 0xFEFFFFFFu;
+    auto const commit = [&](Pixels& pixels, int slot) {
+      for (auto const& q : queues_) {
+        for (auto [x, y] : q.changes(slot, true)) pixels[Index(x, y)] = 0xFEFFFFFFu;
+      }
+      for (auto const& q : queues_) {
+        for (auto [x, y] : q.changes(slot, false)) pixels[Index(x, y)] = 0;
+      }
+    };
+    commit(base_, 0);
+    commit(localBase_, delay_);
+    for (auto const& q : queues_) {
+      for (bool add : {true, false}) {
+        for (auto [x, y] : q.changes(0, add)) display_[Index(x, y)] = preview(x, y, 1);
+      }
     }
-    for (auto& q : queues_) {
-      for (auto [x, y] : q.front().removes) base_[Index(x, y)] = 0;
-    }
-    for (auto& q : queues_) {
-      for (auto [x, y] : q[static_cast<std::size_t>(delay_)].adds) localBase_[Index(x, y)] = 0xFEFFFFFFu;
-    }
-    for (auto& q : queues_) {
-      for (auto [x, y] : q[static_cast<std::size_t>(delay_)].removes) localBase_[Index(x, y)] = 0;
-    }
-    for (auto& q : queues_) {
-      for (auto [x, y] : q.front().adds) display_[Index(x, y)] = preview(x, y, base_[Index(x, y)], 1);
-      for (auto [x, y] : q.front().removes) display_[Index(x, y)] = preview(x, y, base_[Index(x, y)], 1);
-    }
-    for (auto& q : queues_) {
-      q.erase(q.begin());
-      q.emplace_back();
-    }
+    for (auto& q : queues_) q.advance();
   }
 
   Pixels const& base() const { return base_; }
   Pixels const& localBase() const { return localBase_; }
   Pixels const& display() const { return display_; }
 
-  static int Index(int x, int y) { return y * 256 + x; }
-
 private:
-  struct Slot {
-    std::vector<std::pair<int, int>> adds;
-    std::vector<std::pair<int, int>> removes;
-  };
-
-  bool play(int player, int x, int y, bool ground, int first, int last) const {
-    auto const& q = queues_[static_cast<std::size_t>(player)];
-    for (int s = first; s <= last; ++s) {
-      for (auto const& change : q[static_cast<std::size_t>(s)].adds) {
-        if (change == std::pair{x, y}) ground = true;
-      }
-      for (auto const& change : q[static_cast<std::size_t>(s)].removes) {
-        if (change == std::pair{x, y}) ground = false;
-      }
-    }
-    return ground;
-  }
-
-  std::uint32_t preview(int x, int y, std::uint32_t pixel, int first) const {
-    auto const& q = queues_[static_cast<std::size_t>(local_)];
-    bool added = false;
-    bool removed = false;
-    for (int s = first; s <= 2 * delay_; ++s) {
-      for (auto const& change : q[static_cast<std::size_t>(s)].adds) {
-        if (change == std::pair{x, y}) {
-          added = true;
-          removed = false;
-        }
-      }
-      for (auto const& change : q[static_cast<std::size_t>(s)].removes) {
-        if (change == std::pair{x, y}) removed = true;
-      }
-    }
-    if (added && !removed) return 0x88FFFFFFu;
-    if (added && removed) return 0x66FFFFFFu;
-    if (removed && pixel != 0) return (pixel & 0xFFFFFFu) | 0x88000000u;
-    return pixel;
+  std::uint32_t preview(int x, int y, int first) const {
+    return queues_[static_cast<std::size_t>(local_)].modified(x, y, base_[Index(x, y)], first, 2 * delay_);
   }
 
   int local_;
@@ -112,7 +122,7 @@ private:
   Pixels base_;
   Pixels localBase_;
   Pixels display_;
-  std::vector<std::vector<Slot>> queues_;
+  std::vector<ReferenceQueue> queues_;
 };
 
 }  // namespace testing_support

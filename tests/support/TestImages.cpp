@@ -24,9 +24,8 @@ ScopedDataDirectory::~ScopedDataDirectory() {
   std::filesystem::remove_all(root_, ignored);
 }
 
-SDL_Surface* MakeSurface(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel,
-                         SDL_PixelFormat format) {
-  SDL_Surface* surface = SDL_CreateSurface(width, height, format);
+SDL_Surface* MakeSurface(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel) {
+  SDL_Surface* surface = SDL_CreateSurface(width, height, SDL_PIXELFORMAT_ARGB8888);
   if (surface == nullptr) {
     throw std::runtime_error(std::string("Test surface not created: ") + SDL_GetError());
   }
@@ -44,17 +43,14 @@ std::uint32_t SurfacePixel(SDL_Surface* surface, int x, int y) {
                                                 y * surface->pitch)[x];
 }
 
-void SavePng(SDL_Surface* surface, std::string const& name) {
-  std::string const path = "data/" + name;
-  if (!IMG_SavePNG(surface, path.c_str())) {
-    throw std::runtime_error("Test image not saved: " + path + " - " + SDL_GetError());
-  }
-}
-
 void SaveImage(std::string const& name, int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel) {
   SDL_Surface* surface = MakeSurface(width, height, pixel);
-  SavePng(surface, name);
+  std::string const path = "data/" + name;
+  bool const saved = IMG_SavePNG(surface, path.c_str());
   SDL_DestroySurface(surface);
+  if (!saved) {
+    throw std::runtime_error("Test image not saved: " + path + " - " + SDL_GetError());
+  }
 }
 
 SoftwareTarget::SoftwareTarget(int width, int height, std::uint32_t clear)

@@ -18,20 +18,15 @@ public:
   ScopedDataDirectory(ScopedDataDirectory const&) = delete;
   ScopedDataDirectory& operator=(ScopedDataDirectory const&) = delete;
 
-  std::filesystem::path const& root() const { return root_; }
-
 private:
   std::filesystem::path previous_;
   std::filesystem::path root_;
 };
 
-// A surface of the given size and format whose pixel at (x, y), row 0 at the top, is pixel(x, y).
-SDL_Surface* MakeSurface(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel,
-                         SDL_PixelFormat format = SDL_PIXELFORMAT_ARGB8888);
+// An ARGB8888 surface whose pixel at (x, y), row 0 at the top, is pixel(x, y).
+SDL_Surface* MakeSurface(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel);
 std::uint32_t SurfacePixel(SDL_Surface* surface, int x, int y);
-// Writes the surface as "data/" + name in the working directory.
-void SavePng(SDL_Surface* surface, std::string const& name);
-// Makes an ARGB8888 image from pixel(x, y) and saves it as "data/" + name.
+// Makes an ARGB8888 image from pixel(x, y) and saves it as "data/" + name in the working directory.
 void SaveImage(std::string const& name, int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel);
 
 // A software renderer drawing into an ARGB8888 surface: draw, then flush() and read the pixels.
