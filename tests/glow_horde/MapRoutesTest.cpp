@@ -143,7 +143,7 @@ TEST(MapRoutes, CauldronsAloneReachesTheOwnExitInTheNextCauldron) {
   EXPECT_GE(game.results[0].results[0][0], 1);
   EXPECT_EQ(game.outByExit[0][0], game.results[0].results[0][0]);
   // Not before the last bridge was begun.
-  EXPECT_GT(game.firstOutFrame[0], k_cauldronsAlone.back().frame);
+  EXPECT_GT(game.outFrames[0].at(0), k_cauldronsAlone.back().frame);
 
   // Three bridges end over the cauldron's right wall, 81 px short of the next ledge: nobody gets out.
   std::vector<ScriptedClick> const short3 = Without(k_cauldronsAlone, "horizontal_bridge", 3);
@@ -179,7 +179,7 @@ TEST_P(AstralStepsRoute, EveryPlayerBringsUnitsToTheExitWithinTheChallengesCount
   int total = 0;
   for (int p = 0; p < players; ++p) {
     EXPECT_GE(game.outByExit[0][static_cast<std::size_t>(p)], 1) << "player " << p;
-    EXPECT_GT(game.firstOutFrame[static_cast<std::size_t>(p)], lastDig->frame) << "player " << p;
+    EXPECT_GT(game.outFrames[static_cast<std::size_t>(p)].at(0), lastDig->frame) << "player " << p;
     total += game.outByExit[0][static_cast<std::size_t>(p)];
   }
   EXPECT_EQ(game.results[0].results[0][0], total);
