@@ -56,17 +56,11 @@ Bytes OrderFor(PlayerState const& player, std::size_t place, LemmingActivity act
 
 }  // namespace
 
-TEST(GlowHordeSimulation, WithOnePlayerTheFirstUnitsClockHasRunTheDelayInTheConstructor) {
-  auto simulation = Make("Tutorial 1: dig down", {0}, 0, 15, Settings("Tutorial 1: dig down"));
-  EXPECT_EQ(simulation->frame(), 15u);
-  EXPECT_EQ(simulation->localPlayerState().spawnClock(), 15 * 16666);
-  EXPECT_TRUE(simulation->localPlayerState().lemmings().empty());
-  EXPECT_EQ(simulation->endFrame(), 180u * 1000000u / 16666u);
-}
-
 TEST(GlowHordeSimulation, TheHeadStartRunsOnlyTheLocalPlayersClock) {
   auto simulation = Make("Wrapped Ledges", {0, 1}, 1, 15, Settings("Wrapped Ledges", {{"spawn_interval_deciseconds", 20}}));
   EXPECT_EQ(simulation->frame(), 15u);
+  EXPECT_EQ(simulation->endFrame(), 180u * 1000000u / 16666u);  // the schema's 180 s
+  EXPECT_EQ(&simulation->localPlayerState(), &simulation->players()[1]);
   EXPECT_EQ(simulation->players()[1].spawnClock(), 15 * 16666);
   EXPECT_EQ(simulation->players()[0].spawnClock(), 0);
   EXPECT_TRUE(simulation->players()[1].lemmings().empty());
@@ -276,13 +270,8 @@ TEST(GlowHordeSimulation, AnExitTakesUnitsAcrossTheSeamOfAWrappingWorld) {
   // the spawn 60 pixels left of the right edge, the unit facing right.
   testing_support::ScopedDataDirectory directory;
   testing_support::SaveImage("seam.png", 512, 256, [](int, int row) { return 255 - row < 20 ? 0xFE7A5030u : 0u; });
-  MapSettings map;
-  map.name = "Seam";
-  map.imageFile = "seam.png";
-  map.starts = {{452, 40}};
-  map.startFacesRight = {true};
-  map.exits = {{5, 20}};
-  map.playerTeams = {0};
+  MapSettings map{.name = "Seam", .imageFile = "seam.png", .starts = {{452, 40}}, .startFacesRight = {true},
+                  .exits = {{5, 20}}, .playerTeams = {0}};
   GameSettings const settings =
       Settings("Seam", {{"number_to_spawn", 1}, {"spawn_interval_deciseconds", 1}, {"duration_seconds", 2}});
 
@@ -299,12 +288,9 @@ TEST(GlowHordeSimulation, AnExitTakesUnitsAcrossTheSeamOfAWrappingWorld) {
         arrival = frame;
       }
     }
-    if (wrap) {
-      EXPECT_EQ(arrival, 61u);
-      EXPECT_EQ(simulation.exitTimes()[0], 16 * 61);
-    } else {
-      EXPECT_EQ(arrival, 0u);  // the unit meets the solid edge of the world and turns back
-      EXPECT_EQ(simulation.exitedCounts()[0], 0);
-    }
+    // Without wrap the unit meets the solid edge of the world and turns back.
+    EXPECT_EQ(arrival, wrap ? 61u : 0u);
+    EXPECT_EQ(simulation.exitTimes()[0], wrap ? 16 * 61 : 0);
+    EXPECT_EQ(simulation.exitedCounts()[0], wrap ? 1 : 0);
   }
 }
