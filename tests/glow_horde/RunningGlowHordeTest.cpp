@@ -65,16 +65,20 @@ protected:
   static inline Games const games_;
 };
 
-// Pixels of the rectangle that are close to the colour, counted.
-int CountNear(SDL_Surface* surface, SDL_Rect area, Uint8 r, Uint8 g, Uint8 b) {
+// Pixels of the rectangle that are close to the colour (within 40 in each channel), counted; with
+// another surface, the pixels that differ between the two.
+int CountPixels(SDL_Surface* surface, SDL_Rect area, SDL_Color colour, SDL_Surface* other = nullptr) {
   int count = 0;
   for (int y = area.y; y < area.y + area.h; ++y) {
     for (int x = area.x; x < area.x + area.w; ++x) {
-      Uint8 pr = 0;
-      Uint8 pg = 0;
-      Uint8 pb = 0;
-      SDL_ReadSurfacePixel(surface, x, y, &pr, &pg, &pb, nullptr);
-      count += std::abs(pr - r) < 40 && std::abs(pg - g) < 40 && std::abs(pb - b) < 40 ? 1 : 0;
+      SDL_Color a{};
+      SDL_ReadSurfacePixel(surface, x, y, &a.r, &a.g, &a.b, nullptr);
+      if (other != nullptr) {
+        SDL_ReadSurfacePixel(other, x, y, &colour.r, &colour.g, &colour.b, nullptr);
+      }
+      bool const near = std::abs(a.r - colour.r) < 40 && std::abs(a.g - colour.g) < 40 && std::abs(a.b - colour.b) < 40;
+      bool const same = a.r == colour.r && a.g == colour.g && a.b == colour.b;
+      count += (other != nullptr ? !same : near) ? 1 : 0;
     }
   }
   return count;
@@ -170,16 +174,11 @@ TEST_F(RunningGlowHordeTest, AnExitIsDrawnInTheColourOfItsPlaceAmongTheTeamsInPl
     camera.y = 159.0f - 120.0f;
     SDL_Surface* frame = renderFrame(*session);
     ASSERT_NE(frame, nullptr);
-    int const green = CountNear(frame, exitArea, 0, 255, 127);
-    int const blue = CountNear(frame, exitArea, 0, 127, 255);
+    int const green = CountPixels(frame, exitArea, {0, 255, 127, 255});
+    int const blue = CountPixels(frame, exitArea, {0, 127, 255, 255});
     SDL_DestroySurface(frame);
-    if (secondTeamOnly) {
-      EXPECT_GT(green, 50);
-      EXPECT_EQ(blue, 0);
-    } else {
-      EXPECT_GT(blue, 50);
-      EXPECT_EQ(green, 0);
-    }
+    EXPECT_GT(secondTeamOnly ? green : blue, 50);
+    EXPECT_EQ(secondTeamOnly ? blue : green, 0);
   }
 }
 
@@ -196,27 +195,16 @@ TEST_F(RunningGlowHordeTest, BracketsMarkTheUnitThatAClickUnderThePointerWouldGo
   SDL_Rect const around{160 - 12, 239 - 120 - 20, 24, 30};
 
   // Dig down is the one activity with an order left: brackets show only for an order that can be given.
-  SDL_Event key{};
-  key.type = SDL_EVENT_KEY_DOWN;
-  key.key.scancode = SDL_SCANCODE_F5;
+  SDL_Event const key{.key = {.type = SDL_EVENT_KEY_DOWN, .scancode = SDL_SCANCODE_F5, .down = true}};
   session->controls().handleEvent(key, {200.0f, 130.0f, true});  // within 150 pixels of the unit
   ASSERT_TRUE(session->controls().hoverPosition().has_value());
   SDL_Surface* marked = renderFrame(*session);
   session->controls().handleEvent(key, {10.0f, 10.0f, false});  // the pointer over the interface
   EXPECT_FALSE(session->controls().hoverPosition().has_value());
   SDL_Surface* plain = renderFrame(*session);
-  int changed = 0;
-  for (int y = around.y; y < around.y + around.h; ++y) {
-    for (int x = around.x; x < around.x + around.w; ++x) {
-      Uint8 r0, g0, b0, r1, g1, b1;
-      SDL_ReadSurfacePixel(plain, x, y, &r0, &g0, &b0, nullptr);
-      SDL_ReadSurfacePixel(marked, x, y, &r1, &g1, &b1, nullptr);
-      changed += r0 != r1 || g0 != g1 || b0 != b1 ? 1 : 0;
-    }
-  }
+  EXPECT_GT(CountPixels(plain, around, {}, marked), 10);
   SDL_DestroySurface(plain);
   SDL_DestroySurface(marked);
-  EXPECT_GT(changed, 10);
 }
 
 TEST_F(RunningGlowHordeTest, AResultRowReadsAsUnitsOutAndTheirAverageTime) {
