@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -235,23 +236,21 @@ TEST_F(TwoClients, AUnitArrivingAtTheLastUpdateCountsOnTheClientWhereItIsAnother
 TEST_F(TwoClients, ResultsAreByteEqualOnceTheGameHasEndedButNotBefore) {
   make("Cauldrons", Settings("Cauldrons", {{"duration_seconds", 12}, {"spawn_interval_deciseconds", 2},
                                            {"number_to_spawn", 12}}));
+  // Every 90 frames player 0 digs down and player 1 bridges, each with its first unit that stands.
+  auto const firstStanding = [](PlayerState const& player, LemmingActivity activity) {
+    auto const& units = player.lemmings();
+    auto const unit = std::find_if(units.begin(), units.end(), [](Lemming const& u) { return !u.inAir(); });
+    return unit == units.end() ? Bytes{} : OrderFor(player, static_cast<std::size_t>(unit - units.begin()), activity);
+  };
   std::uint32_t orderFrame = 0;
   while (!a->gameEnded()) {
-    Bytes orderA;
-    Bytes orderB;
-    // Each player digs down with its first unit that stands, every 90 frames.
     if (a->frame() % 90 == 0 && !a->gameEnded_LocalPlayer()) {
-      auto const& unitsA = a->localPlayerState().lemmings();
-      auto const& unitsB = b->localPlayerState().lemmings();
-      for (std::size_t i = 0; i < unitsA.size() && orderA.empty(); ++i) {
-        orderA = unitsA[i].inAir() ? Bytes{} : OrderFor(a->localPlayerState(), i, LemmingActivity::DigDown);
-      }
-      for (std::size_t i = 0; i < unitsB.size() && orderB.empty(); ++i) {
-        orderB = unitsB[i].inAir() ? Bytes{} : OrderFor(b->localPlayerState(), i, LemmingActivity::Bridge);
-      }
       orderFrame = a->frame();
+      step(firstStanding(a->localPlayerState(), LemmingActivity::DigDown),
+           firstStanding(b->localPlayerState(), LemmingActivity::Bridge));
+    } else {
+      step();
     }
-    step(orderA, orderB);
     if (a->frame() == 400) {
       // Mid-game each client's own player stands delayFrames updates ahead: not comparable.
       EXPECT_NE(ResultBytes(*a), ResultBytes(*b));

@@ -15,17 +15,8 @@ using T = LemmingActivityTrigger;
 using Cell = GridWorld::Cell;
 
 PlayerState::Setup BasicSetup() {
-  PlayerState::Setup setup;
-  setup.index = 0;
-  setup.spawn = {0, 0};
-  setup.toSpawn = 0;
-  setup.spawnInterval = 2'000'000;
-  setup.framePeriod = 16'666;
-  setup.colour = {0, 255, 127, 255};
-  setup.availabilities.counts = {5, 5, 5, 5, 5, 5, 5};
-  setup.worldWidth = 1024;
-  setup.worldHeight = 1024;
-  return setup;
+  return {.spawnInterval = 2'000'000, .framePeriod = 16'666, .colour = {0, 255, 127, 255},
+          .availabilities = {{5, 5, 5, 5, 5, 5, 5}}, .worldWidth = 1024, .worldHeight = 1024};
 }
 
 std::vector<int> Ids(PlayerState const& state) {
@@ -301,13 +292,9 @@ TEST(PlayerStateExit, RemovesWithinTheRadiusAcrossAWrappedSeamKeepingTheOrder) {
 // --- Hashing ---
 
 TEST(PlayerStateHash, BytesAreExactAndTheDigestIsOfTheSameBytes) {
-  PlayerState::Setup setup = BasicSetup();
-  setup.index = 1;
-  setup.spawn = {16, -1};
-  setup.toSpawn = 5;
-  setup.spawnInterval = 1'000'000'000;
-  setup.nextFacingRight = true;
-  setup.availabilities.counts = {13, 13, 2, 3, 5, 2, 258};
+  PlayerState::Setup const setup{.index = 1, .spawn = {16, -1}, .toSpawn = 5, .spawnInterval = 1'000'000'000,
+                                 .framePeriod = 16'666, .nextFacingRight = true, .colour = {0, 255, 127, 255},
+                                 .availabilities = {{13, 13, 2, 3, 5, 2, 258}}, .worldWidth = 1024, .worldHeight = 1024};
   PlayerState state(setup);
   state.createLemming(3, 4, false);
   GridWorld open(16, 16);

@@ -6,6 +6,7 @@
 #include "Games.h"
 #include "SDL3App.h"
 #include "SoundSystem.h"
+#include "TutorialLevelSettings.h"
 #include "glow_horde/GlowHordeGame.h"
 #include "glow_horde/RunningGlowHorde.h"
 #include "support/HeadlessApp.h"
@@ -34,17 +35,8 @@ protected:
     s.strings["map"] = map;
     return s;
   }
-  static GameSettings tutorialOne() {
-    GameSettings s = settings("Tutorial 1: dig down");
-    for (char const* key : {"bridge_orders", "horizontal_bridge_orders", "raise_ground_orders", "block_orders",
-                            "dig_sideways_orders", "dig_upwards_orders"}) {
-      s.ints[key] = 0;
-    }
-    s.ints["dig_down_orders"] = 1;
-    s.ints["number_to_spawn"] = 1;
-    s.ints["spawn_interval_deciseconds"] = 20;
-    return s;
-  }
+  // One unit every 2 s and one dig down order, none of any other.
+  static GameSettings tutorialOne() { return TutorialLevelSettings(games_.refGame(Game::GlowHorde).schema, 0); }
   // Steps like a local game: the session's own order in ourOrder, nothing from anybody else.
   static void step(RunningGlowHorde& session, std::vector<unsigned char> ourOrder = {}) {
     session.update(Orders(session.simulation().players().size()), std::move(ourOrder));
