@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
+#include "ChunkedWorld.h"
 #include "XXHashHasher.h"
-#include "glow_horde/ChunkedTestWorld.h"
 #include "glow_horde/GridWorld.h"
 #include "glow_horde/PlayerState.h"
+#include "support/TestImages.h"
 
 namespace {
 
@@ -46,8 +48,15 @@ UIOrder Click(int x, int y, A activity, T trigger, DirectionFilter filter = Dire
   return UIOrder{x, y, activity, trigger, filter};
 }
 
-std::uint32_t FloorPixel(int, int y) {
-  return y <= 1 ? k_testGround : k_testSky;
+// A real 256 by 256 world with a floor two pixels thick (rows 0 and 1), loaded from an image the way a
+// session loads its map.
+std::unique_ptr<ChunkedWorld> FloorWorld(bool wrapX = false) {
+  testing_support::ScopedDataDirectory directory;
+  testing_support::SaveImage("floor.png", 256, 256, [](int, int row) { return row >= 254 ? 0xFE7A5030u : 0u; });
+  MapSettings map;
+  map.imageFile = "floor.png";
+  map.wrapX = wrapX;
+  return std::make_unique<ChunkedWorld>(nullptr, 1, 0, 1, map);
 }
 
 } // namespace
@@ -55,7 +64,7 @@ std::uint32_t FloorPixel(int, int y) {
 // --- Stepping order, crowds and spawning ---
 
 TEST(PlayerStateUpdate, SortsBusyUnitsFirstThenLeftBeforeRightAndACrowdLeavesOnePerFrame) {
-  auto world = BuildChunkedWorld({.pixel = FloorPixel});
+  auto world = FloorWorld();
   PlayerState state(BasicSetup());
   for (int i = 0; i < 5; ++i) {
     state.createLemming(10, 2, true); // ids 0 to 4, one spot, one facing
@@ -276,7 +285,7 @@ TEST(PlayerStateOrdersDeathTest, AnOrderForAnotherListStopsTheProgramWithItsChec
 TEST(PlayerStateExit, RemovesWithinTheRadiusAcrossAWrappedSeamKeepingTheOrder) {
   for (bool wrapX : {true, false}) {
     SCOPED_TRACE(wrapX ? "wrapping" : "not wrapping");
-    auto world = BuildChunkedWorld({.wrapX = wrapX, .pixel = FloorPixel});
+    auto world = FloorWorld(wrapX);
     PlayerState state(BasicSetup());
     state.createLemming(2, 100, true);   // id 0: 4 across the seam
     state.createLemming(128, 100, true); // id 1
