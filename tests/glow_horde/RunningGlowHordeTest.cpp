@@ -24,19 +24,20 @@ protected:
   }
   static void TearDownTestSuite() { app_.reset(); }
 
-  static std::unique_ptr<RunningGlowHorde> start(GameSettings const& settings, std::vector<unsigned short> const& slots,
-                                                 int local = 0) {
+  static std::unique_ptr<RunningGlowHorde> start(GameSettings const& settings, std::vector<unsigned short> const& slots) {
     std::unique_ptr<IRunningGame> session =
-        games_.refGame(Game::GlowHorde).startSession(app_, local, 16666, 15, settings, slots, false);
+        games_.refGame(Game::GlowHorde).startSession(app_, 0, 16666, 15, settings, slots, false);
     return std::unique_ptr<RunningGlowHorde>(dynamic_cast<RunningGlowHorde*>(session.release()));
   }
-  static GameSettings settings(std::string const& map) {
-    GameSettings s = DefaultSettingsFromSchema(games_.refGame(Game::GlowHorde).schema);
-    s.strings["map"] = map;
-    return s;
+  // The first tutorial level (one unit, one dig down order and none of any other), stepped to the
+  // frame; by frame 300 the unit stands on the floor.
+  static std::unique_ptr<RunningGlowHorde> tutorialOneAt(std::uint32_t frame = 15) {
+    auto session = start(TutorialLevelSettings(games_.refGame(Game::GlowHorde).schema, 0), {0});
+    while (session->currentFrame() < frame) {
+      step(*session);
+    }
+    return session;
   }
-  // One unit every 2 s and one dig down order, none of any other.
-  static GameSettings tutorialOne() { return TutorialLevelSettings(games_.refGame(Game::GlowHorde).schema, 0); }
   // Steps like a local game: the session's own order in ourOrder, nothing from anybody else.
   static void step(RunningGlowHorde& session, std::vector<unsigned char> ourOrder = {}) {
     session.update(Orders(session.simulation().players().size()), std::move(ourOrder));
@@ -79,7 +80,7 @@ int CountPixels(SDL_Surface* surface, SDL_Rect area, SDL_Color colour, SDL_Surfa
 }  // namespace
 
 TEST_F(RunningGlowHordeTest, ANewSessionHasRunItsHeadStartAndLooksAtTheLocalSpawn) {
-  auto session = start(tutorialOne(), {0});
+  auto session = tutorialOneAt();
   EXPECT_EQ(session->currentFrame(), 15u);
   EXPECT_EQ(session->wrappedAlways({784, -321}), (Position{784, 703}));
   EXPECT_FLOAT_EQ(session->controls().camera().x, 784.0f - 160.0f);
@@ -89,12 +90,14 @@ TEST_F(RunningGlowHordeTest, ANewSessionHasRunItsHeadStartAndLooksAtTheLocalSpaw
 }
 
 TEST_F(RunningGlowHordeTest, AClickFindsAUnitWithin150PixelsOrIsLost) {
-  auto session = start(tutorialOne(), {0});
-  while (session->currentFrame() < 300) {
-    step(*session);
-  }
+  auto session = tutorialOneAt(300);
   SoundSystem const& sound = app_->getSoundSystem();
   std::size_t const playingBefore = sound.playingCount();
+  auto const expectSoundsStarted = [&](std::size_t started) {
+    if (sound.engineReady()) {
+      EXPECT_EQ(sound.playingCount(), playingBefore + started);
+    }
+  };
 
   // The unit stands on the floor at y 600 near x 800. A click 150 pixels away still finds it; one
   // 151 pixels away finds nobody: no order goes out, the click is gone, and nothing is heard.
@@ -115,15 +118,11 @@ TEST_F(RunningGlowHordeTest, AClickFindsAUnitWithin150PixelsOrIsLost) {
   EXPECT_EQ(order[4], 4);  // dig down
   EXPECT_EQ(order[6], 0);  // immediate
   EXPECT_TRUE(session->processUIInputsAndGetOurNextOrder().empty());
-  if (sound.engineReady()) {
-    EXPECT_EQ(sound.playingCount(), playingBefore);
-  }
+  expectSoundsStarted(0);
 
   step(*session, order);
   EXPECT_EQ(session->simulation().localPlayerState().availabilities()[LemmingActivity::DigDown], 0);
-  if (sound.engineReady()) {
-    EXPECT_EQ(sound.playingCount(), playingBefore + 1);
-  }
+  expectSoundsStarted(1);
   // None left: no unit is offered any more, though a click still resolves to an order that every
   // client will refuse.
   EXPECT_FALSE(session->evaluateCondition("order_applies 800,600 dig_down"));
@@ -131,13 +130,11 @@ TEST_F(RunningGlowHordeTest, AClickFindsAUnitWithin150PixelsOrIsLost) {
   std::vector<unsigned char> const refused = session->processUIInputsAndGetOurNextOrder();
   EXPECT_EQ(refused.size(), 7u);
   step(*session, refused);
-  if (sound.engineReady()) {
-    EXPECT_EQ(sound.playingCount(), playingBefore + 1);
-  }
+  expectSoundsStarted(1);
 }
 
 TEST_F(RunningGlowHordeTest, TextOrdersTakeTheSessionsDefaultTriggers) {
-  auto session = start(tutorialOne(), {0});
+  auto session = tutorialOneAt();
   EXPECT_EQ(session->parseUIOrder("5,6 dig_sideways")->trigger, LemmingActivityTrigger::WhenBlocked);
   session->controls().defaultTriggers()[5] = LemmingActivityTrigger::AfterTurning;
   EXPECT_EQ(session->parseUIOrder("5,6 dig_sideways")->trigger, LemmingActivityTrigger::AfterTurning);
@@ -147,7 +144,7 @@ TEST_F(RunningGlowHordeTest, TextOrdersTakeTheSessionsDefaultTriggers) {
 }
 
 TEST_F(RunningGlowHordeTest, ConditionsAndOrdersOfADriverMustBeWellFormed) {
-  auto session = start(tutorialOne(), {0});
+  auto session = tutorialOneAt();
   EXPECT_DEATH(session->evaluateCondition("units_out 1"), "condition_type == \"order_applies\"");
   EXPECT_DEATH(session->evaluateCondition("order_applies 1,2 dance"), "parsed.has_value\\(\\)");
   EXPECT_DEATH(session->injectOrder("1 2 dig_down"), "parsed.has_value\\(\\)");
@@ -159,7 +156,9 @@ TEST_F(RunningGlowHordeTest, AnExitIsDrawnInTheColourOfItsPlaceAmongTheTeamsInPl
   SDL_Rect const exitArea{130, 89, 60, 60};
   for (bool secondTeamOnly : {true, false}) {
     SCOPED_TRACE(secondTeamOnly ? "slots 1 and 3" : "slots 0 and 1");
-    auto session = start(settings("Unwrapped Ledges"), secondTeamOnly ? std::vector<unsigned short>{1, 3}
+    GameSettings settings = DefaultSettingsFromSchema(games_.refGame(Game::GlowHorde).schema);
+    settings.strings["map"] = "Unwrapped Ledges";
+    auto session = start(settings, secondTeamOnly ? std::vector<unsigned short>{1, 3}
                                                                       : std::vector<unsigned short>{0, 1});
     Camera& camera = session->controls().camera();
     camera.x = 400.0f - 160.0f;
@@ -175,10 +174,7 @@ TEST_F(RunningGlowHordeTest, AnExitIsDrawnInTheColourOfItsPlaceAmongTheTeamsInPl
 }
 
 TEST_F(RunningGlowHordeTest, BracketsMarkTheUnitThatAClickUnderThePointerWouldGoTo) {
-  auto session = start(tutorialOne(), {0});
-  while (session->currentFrame() < 300) {
-    step(*session);
-  }
+  auto session = tutorialOneAt(300);
   Position const unit = session->simulation().localPlayerState().lemmings().at(0).position();
   Camera& camera = session->controls().camera();
   camera.x = static_cast<float>(unit.x) - 160.0f;
