@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "glow_horde/GlowHordeControls.h"
 #include "glow_horde/UIOrderText.h"
@@ -16,34 +17,12 @@ constexpr int k_screenHeight = 720;
 std::vector<T> const k_defaultTriggers{T::Immediate, T::BeforeFalling, T::Immediate, T::Immediate,
                                       T::Immediate, T::WhenBlocked,   T::WhenBlocked};
 
-SDL_Event Key(SDL_Scancode scancode) {
-  SDL_Event event{};
-  event.type = SDL_EVENT_KEY_DOWN;
-  event.key.scancode = scancode;
-  event.key.down = true;
-  return event;
-}
-
+SDL_Event Key(SDL_Scancode scancode) { return {.key = {.type = SDL_EVENT_KEY_DOWN, .scancode = scancode, .down = true}}; }
 SDL_Event Button(SDL_EventType type, Uint8 button) {
-  SDL_Event event{};
-  event.type = type;
-  event.button.button = button;
-  event.button.down = type == SDL_EVENT_MOUSE_BUTTON_DOWN;
-  return event;
+  return {.button = {.type = type, .button = button, .down = type == SDL_EVENT_MOUSE_BUTTON_DOWN}};
 }
-
-SDL_Event Wheel(float y) {
-  SDL_Event event{};
-  event.type = SDL_EVENT_MOUSE_WHEEL;
-  event.wheel.y = y;
-  return event;
-}
-
-SDL_Event Motion() {
-  SDL_Event event{};
-  event.type = SDL_EVENT_MOUSE_MOTION;
-  return event;
-}
+SDL_Event Wheel(float y) { return {.wheel = {.type = SDL_EVENT_MOUSE_WHEEL, .y = y}}; }
+SDL_Event Motion() { return {.motion = {.type = SDL_EVENT_MOUSE_MOTION}}; }
 
 std::string Poll(GlowHordeControls& controls, Keys const& keys, std::uint64_t milliseconds = 16,
                  Pointer pointer = {}) {
@@ -85,9 +64,7 @@ TEST(GlowHordeControls, FunctionKeysChooseTheActivityAndItsDefaultTriggerApplies
 
 TEST(GlowHordeControls, ALeftClickOverTheGameLeavesTheOrderOfThatMomentWaiting) {
   GlowHordeControls controls(2048, 1024, false, false);
-  controls.camera().x = 100.0f;
-  controls.camera().y = 50.0f;
-  controls.camera().zoom = 2.0f;
+  controls.camera() = {.x = 100.0f, .y = 50.0f, .zoom = 2.0f};
   controls.handleEvent(Key(SDL_SCANCODE_F2), {});
   Poll(controls, {.right = true});
   controls.handleEvent(Button(SDL_EVENT_MOUSE_BUTTON_DOWN, SDL_BUTTON_LEFT), {301.0f, 99.0f, true});
@@ -105,24 +82,20 @@ TEST(GlowHordeControls, ALeftClickOverTheGameLeavesTheOrderOfThatMomentWaiting) 
   EXPECT_FALSE(controls.hoverPosition().has_value());
   // A middle-button drag still starts there: the view follows the pointer from that world point.
   controls.handleEvent(Button(SDL_EVENT_MOUSE_BUTTON_DOWN, SDL_BUTTON_MIDDLE), {10.0f, 10.0f, false});
-  SDL_Event motion{};
-  motion.type = SDL_EVENT_MOUSE_MOTION;
-  controls.handleEvent(motion, {30.0f, 10.0f, false});
+  controls.handleEvent(Motion(), {30.0f, 10.0f, false});
   EXPECT_FLOAT_EQ(controls.camera().x, 105.0f - 30.0f / 2.0f);
 }
 
 TEST(GlowHordeControls, ThePointerIsBroughtIntoTheWorldOnWrappingAxesOnly) {
   GlowHordeControls wrapped(1536, 768, true, false);
-  wrapped.camera().x = -10.5f;
-  wrapped.camera().y = -20.0f;
+  wrapped.camera() = {.x = -10.5f, .y = -20.0f};
   EXPECT_EQ(wrapped.worldPositionAt(0.0f, 0.0f), (Position{1526, -20}));
   EXPECT_EQ(wrapped.worldPositionAt(1600.0f, 30.0f), (Position{53, 10}));
 }
 
 TEST(GlowHordeControls, ZoomKeepsThePointUnderThePointerAndStaysWithinItsLimits) {
   GlowHordeControls controls(2048, 1024, false, false);
-  controls.camera().x = 200.0f;
-  controls.camera().y = 100.0f;
+  controls.camera() = {.x = 200.0f, .y = 100.0f};
   Pointer const pointer{400.0f, 300.0f, true};
   controls.handleEvent(Key(SDL_SCANCODE_KP_PLUS), pointer);
   EXPECT_FLOAT_EQ(controls.camera().zoom, 1.3f);
@@ -135,9 +108,8 @@ TEST(GlowHordeControls, ZoomKeepsThePointUnderThePointerAndStaysWithinItsLimits)
   EXPECT_FLOAT_EQ(controls.camera().zoom, 3.0f);
   Camera const atMaximum = controls.camera();
   controls.handleEvent(Wheel(1.0f), pointer);  // further in changes neither zoom nor camera
-  EXPECT_FLOAT_EQ(controls.camera().zoom, atMaximum.zoom);
-  EXPECT_FLOAT_EQ(controls.camera().x, atMaximum.x);
-  EXPECT_FLOAT_EQ(controls.camera().y, atMaximum.y);
+  EXPECT_EQ(std::tie(controls.camera().zoom, controls.camera().x, controls.camera().y),
+            std::tie(atMaximum.zoom, atMaximum.x, atMaximum.y));
 
   for (int i = 0; i < 10; ++i) {
     controls.handleEvent(Key(SDL_SCANCODE_KP_MINUS), pointer);
@@ -173,8 +145,7 @@ TEST(GlowHordeControls, WithoutWrapTheCameraKeepsSomeOfTheWorldInView) {
 
 TEST(GlowHordeControls, ScrollingMovesAtItsSpeedThenGlidesToAStopAndWrapsWhereTheViewWraps) {
   GlowHordeControls controls(1536, 768, true, false);
-  controls.camera().x = 1500.0f;
-  controls.camera().y = 300.0f;
+  controls.camera() = {.x = 1500.0f, .y = 300.0f};
   Poll(controls, {.d = true}, 100);  // 500 pixels a second at zoom 1 for 0.1 s
   EXPECT_FLOAT_EQ(controls.camera().x, 14.0f);  // 1550 wrapped
   EXPECT_FLOAT_EQ(controls.camera().velocityX, 500.0f);
@@ -190,9 +161,7 @@ TEST(GlowHordeControls, ScrollingMovesAtItsSpeedThenGlidesToAStopAndWrapsWhereTh
 
 TEST(GlowHordeControls, TheMiddleButtonDragsTheWorldPointAlongWithThePointer) {
   GlowHordeControls controls(2048, 1024, false, false);
-  controls.camera().x = 300.0f;
-  controls.camera().y = 200.0f;
-  controls.camera().zoom = 2.0f;
+  controls.camera() = {.x = 300.0f, .y = 200.0f, .zoom = 2.0f};
   controls.handleEvent(Button(SDL_EVENT_MOUSE_BUTTON_DOWN, SDL_BUTTON_MIDDLE), {100.0f, 100.0f, true});
   EXPECT_TRUE(controls.dragging());
   controls.handleEvent(Motion(), {300.0f, 50.0f, true});

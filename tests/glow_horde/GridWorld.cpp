@@ -6,60 +6,25 @@ GridWorld::GridWorld(int width, int height, bool wrapX, bool wrapY)
     : width_(width), height_(height), wrapX_(wrapX), wrapY_(wrapY),
       cells_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), Cell::Empty) {}
 
-GridWorld GridWorld::FromArt(std::vector<std::string> const& rows, bool wrapX, bool wrapY) {
-  int const height = static_cast<int>(rows.size());
-  int const width = height == 0 ? 0 : static_cast<int>(rows.front().size());
-  GridWorld world(width, height, wrapX, wrapY);
-  for (int r = 0; r < height; ++r) {
-    for (int x = 0; x < width && x < static_cast<int>(rows[r].size()); ++x) {
-      char const c = rows[r][x];
-      world.set(x, height - 1 - r, c == '#' ? Cell::Ground : c == '@' ? Cell::Rock : Cell::Empty);
-    }
-  }
-  return world;
-}
-
+// One period at most: units step a pixel or a few at a time.
 void GridWorld::wrap(int& x, int& y) const {
-  if (wrapX_) {
-    if (x < 0) {
-      x += width_;
-    } else if (x >= width_) {
-      x -= width_;
-    }
-  }
-  if (wrapY_) {
-    if (y < 0) {
-      y += height_;
-    } else if (y >= height_) {
-      y -= height_;
-    }
-  }
+  x += wrapX_ ? (x < 0 ? width_ : x >= width_ ? -width_ : 0) : 0;
+  y += wrapY_ ? (y < 0 ? height_ : y >= height_ ? -height_ : 0) : 0;
 }
 
 bool GridWorld::is_ground(int x, int y) const {
   wrap(x, y);
-  if (!inside(x, y)) {
-    return true;
-  }
-  return cell(x, y) != Cell::Empty;
+  return !inside(x, y) || cell(x, y) != Cell::Empty;
 }
 
-bool GridWorld::queueable(int& x, int& y) const {
+void GridWorld::add_ground(int x, int y) { queue(adds_, queuedAdds_, x, y); }
+void GridWorld::remove_ground(int x, int y) { queue(removes_, queuedRemoves_, x, y); }
+
+void GridWorld::queue(std::vector<Pixel>& changes, int& count, int x, int y) {
   wrap(x, y);
-  return inside(x, y) && cell(x, y) != Cell::Rock;
-}
-
-void GridWorld::add_ground(int x, int y) {
-  if (queueable(x, y)) {
-    adds_.push_back({x, y});
-    ++queuedAdds_;
-  }
-}
-
-void GridWorld::remove_ground(int x, int y) {
-  if (queueable(x, y)) {
-    removes_.push_back({x, y});
-    ++queuedRemoves_;
+  if (inside(x, y) && cell(x, y) != Cell::Rock) {
+    changes.push_back({x, y});
+    ++count;
   }
 }
 
@@ -90,13 +55,9 @@ GridWorld::Cell GridWorld::cell(int x, int y) const {
   return cells_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x)];
 }
 
-void StepFrame(Lemming& lemming, GridWorld& world) {
-  lemming.update(world);
-  world.endFrame();
-}
-
 void StepFrames(Lemming& lemming, GridWorld& world, int frames) {
   for (int i = 0; i < frames; ++i) {
-    StepFrame(lemming, world);
+    lemming.update(world);
+    world.endFrame();
   }
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "glow_horde/IHordelingWorld.h"
@@ -14,8 +13,6 @@ public:
   enum class Cell : std::uint8_t { Empty, Ground, Rock };
 
   GridWorld(int width, int height, bool wrapX = false, bool wrapY = false);
-  // Rows top first, as drawn: '.' empty, '#' ground, '@' rock. The last row is y = 0.
-  static GridWorld FromArt(std::vector<std::string> const& rows, bool wrapX = false, bool wrapY = false);
 
   int width() const override { return width_; }
   int height() const override { return height_; }
@@ -39,11 +36,10 @@ public:
 
 private:
   struct Pixel {
-    int x;
-    int y;
+    int x, y;
   };
   bool inside(int x, int y) const { return x >= 0 && y >= 0 && x < width_ && y < height_; }
-  bool queueable(int& x, int& y) const;
+  void queue(std::vector<Pixel>& changes, int& count, int x, int y);
 
   int width_;
   int height_;
@@ -56,7 +52,7 @@ private:
   int queuedRemoves_ = 0;
 };
 
-// One frame of one unit as a session runs it: the update, then the world's end of frame.
+// Frames of one unit as a session runs them: each the update, then the world's end of frame.
 class Lemming;
-void StepFrame(Lemming& lemming, GridWorld& world);
 void StepFrames(Lemming& lemming, GridWorld& world, int frames);
+inline void StepFrame(Lemming& lemming, GridWorld& world) { StepFrames(lemming, world, 1); }

@@ -12,7 +12,6 @@
 #include "glow_horde/DisplayActivitySelector.h"
 #include "glow_horde/RenderTeamInfoAndScores.h"
 #include "support/TestImages.h"
-#include "ui/ScopedDisableIf.h"
 
 namespace {
 
@@ -49,10 +48,18 @@ protected:
     ImGui::Render();
   }
 
-  // A click, down in one frame and up in the next, at (x, y); returns what the selector then shows.
+  // A click, down in one frame and up in the next, at (x, y).
   void click(float x, float y) {
     selectorFrame(x, y, true);
     selectorFrame(x, y, false);
+  }
+
+  // A window that fits its contents takes its size in the frames after its first.
+  ImRect settledSelector() {
+    for (int i = 0; i < 3; ++i) {
+      selectorFrame(-100.0f, -100.0f, false);
+    }
+    return windowRect("##ActivitySelector");
   }
 
   static ImRect windowRect(char const* name) {
@@ -80,11 +87,7 @@ private:
 }  // namespace
 
 TEST_F(InGameWindows, TheSelectorSitsAtTheTopAndEveryActivityButOneWithNoneLeftCanBeClicked) {
-  // A window that fits its contents takes its size in the frames after its first.
-  for (int i = 0; i < 3; ++i) {
-    selectorFrame(-100.0f, -100.0f, false);
-  }
-  ImRect const rect = windowRect("##ActivitySelector");
+  ImRect const rect = settledSelector();
   ASSERT_GT(rect.GetWidth(), 300.0f);
   EXPECT_FLOAT_EQ(rect.Min.y, 0.0f);
   EXPECT_NEAR((rect.Min.x + rect.Max.x) / 2.0f, 640.0f, 1.0f);
@@ -103,10 +106,7 @@ TEST_F(InGameWindows, TheSelectorSitsAtTheTopAndEveryActivityButOneWithNoneLeftC
 
 TEST_F(InGameWindows, TheIconsUnderTheSelectedActivityChangeOnlyItsDefaultTrigger) {
   selected = LemmingActivity::DigSideways;
-  for (int i = 0; i < 3; ++i) {
-    selectorFrame(-100.0f, -100.0f, false);
-  }
-  ImRect const rect = windowRect("##ActivitySelector");
+  ImRect const rect = settledSelector();
   ImGuiStyle const& style = ImGui::GetStyle();
   // The icons are 20 pixels high on the line under the buttons.
   float const iconY = rect.Min.y + style.WindowPadding.y + ImGui::GetFrameHeight() + style.ItemSpacing.y + 10.0f;
@@ -139,20 +139,4 @@ TEST_F(InGameWindows, TheTeamBarSitsAtTheBottomAndCountsDownInWholeSeconds) {
   EXPECT_EQ(TimeRemainingText(59'999'999), "Time remaining: 00:59");
   EXPECT_EQ(TimeRemainingText(0), "Time remaining: 00:00");
   EXPECT_EQ(TimeRemainingText(600'000'000), "Time remaining: 10:00");
-}
-
-TEST_F(InGameWindows, AScopedDisableIfWithAFalseConditionChangesNothing) {
-  ImGui::NewFrame();
-  ImGui::Begin("test");
-  {
-    ScopedDisableIf const off(false, "never shown");
-    EXPECT_FALSE(ImGui::GetCurrentContext()->CurrentItemFlags & ImGuiItemFlags_Disabled);
-  }
-  {
-    ScopedDisableIf const on(true, "shown when hovered");
-    EXPECT_TRUE(ImGui::GetCurrentContext()->CurrentItemFlags & ImGuiItemFlags_Disabled);
-  }
-  EXPECT_FALSE(ImGui::GetCurrentContext()->CurrentItemFlags & ImGuiItemFlags_Disabled);
-  ImGui::End();
-  ImGui::Render();
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "IHasher.h"
@@ -46,13 +47,15 @@ Lemming Ordered(Lemming unit, A activity, T trigger) {
   return unit;
 }
 
-bool ColumnIs(GridWorld const& world, int x, int y0, int y1, Cell cell) {
+// The cells of a row or a column, from (x0, y0) to (x1, y1): '.' empty, '#' ground, '@' rock.
+std::string Cells(GridWorld const& world, int x0, int y0, int x1, int y1) {
+  std::string cells;
   for (int y = y0; y <= y1; ++y) {
-    if (world.cell(x, y) != cell) {
-      return false;
+    for (int x = x0; x <= x1; ++x) {
+      cells += ".#@"[static_cast<int>(world.cell(x, y))];
     }
   }
-  return true;
+  return cells;
 }
 
 } // namespace
@@ -159,17 +162,13 @@ TEST(LemmingTrigger, BeforeFallingFiresTwoStepsAheadSoTheBridgeBeginsAtTheEdge) 
   EXPECT_EQ(world.queuedAdds(), 0) << "nothing is laid before the eighth frame";
   StepFrame(unit, world);
   EXPECT_EQ(world.queuedAdds(), 3);
-  EXPECT_TRUE(ColumnIs(world, 10, 11, 11, Cell::Ground));
-  EXPECT_TRUE(ColumnIs(world, 11, 11, 11, Cell::Ground));
-  EXPECT_TRUE(ColumnIs(world, 12, 11, 11, Cell::Ground));
-  EXPECT_EQ(world.cell(13, 11), Cell::Empty);
+  EXPECT_EQ(Cells(world, 10, 11, 13, 11), "###.");
   EXPECT_EQ(unit.position(), P(12, 12));
 
   StepFrames(unit, world, 8); // the next three pixels, one higher
   EXPECT_EQ(unit.position(), P(15, 13));
-  EXPECT_TRUE(ColumnIs(world, 13, 12, 12, Cell::Ground));
-  EXPECT_TRUE(ColumnIs(world, 15, 12, 12, Cell::Ground));
-  EXPECT_EQ(world.cell(13, 11), Cell::Empty);
+  EXPECT_EQ(Cells(world, 13, 12, 15, 12), "###");
+  EXPECT_EQ(Cells(world, 13, 11, 13, 12), ".#");
   EXPECT_EQ(world.queuedAdds(), 6);
 }
 
@@ -191,8 +190,7 @@ TEST(LemmingTrigger, WhenBlockedFiresInTheFrameTheUnitWouldTurn) {
   EXPECT_EQ(world.queuedRemoves(), 6);
   StepFrame(unit, world);
   EXPECT_EQ(unit.position(), P(12, 2));
-  EXPECT_TRUE(ColumnIs(world, 12, 2, 7, Cell::Empty));
-  EXPECT_EQ(world.cell(12, 8), Cell::Ground);
+  EXPECT_EQ(Cells(world, 12, 2, 12, 8), "......#");
 }
 
 TEST(LemmingTrigger, AfterTurningArmsAfterTheTurnAndStartsNextFrame) {
@@ -212,8 +210,7 @@ TEST(LemmingTrigger, AfterTurningArmsAfterTheTurnAndStartsNextFrame) {
   // Now the ground behind is the wall it turned at: four pixels and more, so the column reaches
   // (y + 4) + 5 = 11.
   EXPECT_EQ(world.queuedAdds(), 10);
-  EXPECT_TRUE(ColumnIs(world, 11, 2, 11, Cell::Ground));
-  EXPECT_EQ(world.cell(11, 12), Cell::Empty);
+  EXPECT_EQ(Cells(world, 11, 2, 11, 12), "##########.");
 }
 
 TEST(LemmingTrigger, LookAheadLeavesNoTraceAndDiscardingWorldForwardsReads) {
@@ -255,7 +252,7 @@ TEST(LemmingBridge, OverOpenSpaceLaysUntil220ThenWaitsAndEndsAt321) {
     ASSERT_EQ(unit.position(), P(9 + 3 * n, 11 + n)) << "after cycle " << n;
   }
   EXPECT_EQ(world.queuedAdds(), 84);
-  EXPECT_TRUE(ColumnIs(world, 93, 38, 38, Cell::Ground));
+  EXPECT_EQ(world.cell(93, 38), Cell::Ground);
 
   StepFrames(unit, world, 96); // frame 320: still waiting for a footing
   EXPECT_EQ(unit.activity(), A::Bridge);
@@ -293,12 +290,10 @@ TEST(LemmingBridge, HorizontalBridgeStaysLevel) {
   Lemming unit = Ordered(Lemming(0, P(9, 11), true), A::HorizontalBridge, T::Immediate);
   StepFrames(unit, world, 8);
   EXPECT_EQ(unit.position(), P(12, 11));
-  EXPECT_TRUE(ColumnIs(world, 10, 10, 10, Cell::Ground));
-  EXPECT_TRUE(ColumnIs(world, 12, 10, 10, Cell::Ground));
-  EXPECT_EQ(world.cell(10, 11), Cell::Empty);
+  EXPECT_EQ(Cells(world, 10, 10, 12, 11), "###...");
   StepFrames(unit, world, 8);
   EXPECT_EQ(unit.position(), P(15, 11));
-  EXPECT_TRUE(ColumnIs(world, 15, 10, 10, Cell::Ground));
+  EXPECT_EQ(world.cell(15, 10), Cell::Ground);
 }
 
 TEST(LemmingBridge, EndsAtAWallOnePixelHigherWithNoMove) {
@@ -370,8 +365,7 @@ TEST(LemmingDigSideways, DigsAColumnOfSixEveryFiveFramesStopsAfter230AndEndsAt33
   EXPECT_EQ(unit.position(), P(10, 2));
   StepFrame(unit, world);
   EXPECT_EQ(unit.position(), P(11, 2));
-  EXPECT_TRUE(ColumnIs(world, 11, 2, 7, Cell::Empty));
-  EXPECT_EQ(world.cell(11, 8), Cell::Ground);
+  EXPECT_EQ(Cells(world, 11, 2, 11, 8), "......#");
 
   StepFrames(unit, world, 225); // frame 230
   EXPECT_EQ(unit.position(), P(56, 2));
@@ -397,9 +391,8 @@ TEST(LemmingDigSideways, RockRefusesTheDigSoTheUnitTurnsAndDigsTheOtherWay) {
 
   StepFrames(unit, world, 10);
   EXPECT_EQ(unit.position(), P(8, 2));
-  EXPECT_TRUE(ColumnIs(world, 8, 2, 7, Cell::Empty));
-  EXPECT_EQ(world.cell(8, 8), Cell::Ground);
-  EXPECT_TRUE(ColumnIs(world, 11, 2, 20, Cell::Rock));
+  EXPECT_EQ(Cells(world, 8, 2, 8, 8), "......#");
+  EXPECT_EQ(Cells(world, 11, 2, 11, 20), std::string(19, '@'));
   EXPECT_EQ(unit.activity(), A::DigSideways);
 }
 
@@ -420,9 +413,7 @@ TEST(LemmingDigUpwards, WalksEveryFourthFrameInTheOpenThenClimbsTwoPerDig) {
   EXPECT_EQ(unit.position(), P(13, 2));
   StepFrame(unit, world);
   EXPECT_EQ(unit.position(), P(14, 4));
-  EXPECT_TRUE(ColumnIs(world, 14, 2, 3, Cell::Ground));
-  EXPECT_TRUE(ColumnIs(world, 14, 4, 9, Cell::Empty));
-  EXPECT_EQ(world.cell(14, 10), Cell::Ground);
+  EXPECT_EQ(Cells(world, 14, 2, 14, 10), "##......#");
 }
 
 TEST(LemmingDigDown, RemovesARowOfFiveEveryThirdFrameSinksAndEndsAfter70) {
@@ -443,12 +434,10 @@ TEST(LemmingDigDown, RemovesARowOfFiveEveryThirdFrameSinksAndEndsAfter70) {
   EXPECT_EQ(unit.position(), P(10, 18));
   EXPECT_FALSE(unit.inAir());
   EXPECT_EQ(world.queuedRemoves(), 23 * 5);
-  for (int x = 8; x <= 12; ++x) {
-    EXPECT_TRUE(ColumnIs(world, x, 18, 40, Cell::Empty)) << x;
-    EXPECT_EQ(world.cell(x, 17), Cell::Ground) << x;
+  EXPECT_EQ(Cells(world, 7, 17, 13, 17), "#######");
+  for (int y = 18; y <= 40; ++y) {
+    EXPECT_EQ(Cells(world, 7, y, 13, y), "#.....#") << y;
   }
-  EXPECT_TRUE(ColumnIs(world, 7, 18, 40, Cell::Ground));
-  EXPECT_TRUE(ColumnIs(world, 13, 18, 40, Cell::Ground));
 }
 
 TEST(LemmingDigDown, BreakingIntoACaveEndsItAsTheUnitFalls) {
@@ -481,8 +470,7 @@ TEST(LemmingBlock, BuildsAColumnFiveAboveTheGroundBehind) {
     Lemming unit = Ordered(Lemming(0, P(10, 8), true), A::Block, T::Immediate);
     StepFrame(unit, world);
     EXPECT_EQ(world.queuedAdds(), c.expectedTop - 8 + 1) << c.name;
-    EXPECT_TRUE(ColumnIs(world, 10, 8, c.expectedTop, Cell::Ground)) << c.name;
-    EXPECT_EQ(world.cell(10, c.expectedTop + 1), Cell::Empty) << c.name;
+    EXPECT_EQ(Cells(world, 10, 8, 10, c.expectedTop + 1), std::string(c.expectedTop - 7, '#') + ".") << c.name;
   }
 }
 
@@ -506,7 +494,7 @@ TEST(LemmingBlock, TurnsWalkersHoldsForeverAndEndsOnlyByFallingLeavingTheWall) {
   StepFrame(blocker, world);
   EXPECT_FALSE(blocker.activity().has_value());
   EXPECT_TRUE(blocker.inAir());
-  EXPECT_TRUE(ColumnIs(world, 10, 2, 6, Cell::Ground));
+  EXPECT_EQ(Cells(world, 10, 2, 10, 6), "#####");
 }
 
 // --- Orders ---
@@ -586,9 +574,8 @@ std::vector<unsigned char> Serialised(Lemming const& unit) {
 
 } // namespace
 
-TEST(LemmingHash, BytesOfANewUnitAreExact) {
-  Lemming unit(0x1234, P(0x01020304, -2), true);
-  std::vector<unsigned char> const expected = {
+TEST(LemmingHash, BytesAreExactAndHashFeedsThemFieldByField) {
+  std::vector<unsigned char> const newUnit = {
       0x34, 0x12,             // id
       0x04, 0x03, 0x02, 0x01, // x
       0xFE, 0xFF, 0xFF, 0xFF, // y
@@ -598,10 +585,8 @@ TEST(LemmingHash, BytesOfANewUnitAreExact) {
       0x00, 0x00, 0x00, 0x00, // activityFrames
       0x01,                   // in the air
   };
-  EXPECT_EQ(Serialised(unit), expected);
-}
+  EXPECT_EQ(Serialised(Lemming(0x1234, P(0x01020304, -2), true)), newUnit);
 
-TEST(LemmingHash, BytesOfARunningUnitAreExactAndHashFeedsThemFieldByField) {
   GridWorld world = Slab();
   Lemming unit = Ordered(Lemming(7, P(10, 41), false), A::DigDown, T::Immediate);
   StepFrames(unit, world, 2);

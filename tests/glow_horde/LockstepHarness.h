@@ -27,8 +27,6 @@ struct LockstepGame {
   int delayFrames = 15;
   GameSettings settings;
   int meanFramesBetweenOrders = 20;  // of each client
-
-  std::string describe() const;
 };
 
 // A game drawn from the seed: any map of the catalogue with 1 up to its number of slots in any order,
@@ -46,26 +44,20 @@ struct RelayFault {
 
 struct LockstepReport {
   bool agreed = false;
-  std::vector<std::vector<unsigned char>> resultBytes;  // ToBytes of each client's GameResult
   std::uint32_t endFrame = 0;
   int ordersGiven = 0;     // non-empty orders that clients sent
   int ordersAccepted = 0;  // of the clients' own, those that took effect
   long long unitsOut = 0;  // as client 0 counts them
   // Filled in when the clients disagree:
   std::optional<std::uint32_t> firstLocalBaseDifference;  // the first frame whose localBase digests differ
-  std::vector<int> playersThatDiffered;
   // By player: the number of updates after which that player's state first differed between two clients.
   std::vector<std::optional<std::uint32_t>> firstPlayerDifference;
   std::optional<std::uint32_t> faultFrame;  // with a fault: the frame on which the late order was due
   std::string text;  // what happened, for a failure message
 };
 
-// Plays the game once. localBaseEvery is the frame stride of the world digests (1: every frame).
-LockstepReport RunLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault = {},
-                               int localBaseEvery = 16);
-
-// Plays the game; if the clients disagree, plays it again with a world digest at every frame, so
-// that the report names the exact first frame at which the worlds parted.
+// Plays the game with a world digest every 16 frames; if the clients disagree, plays it again with
+// one at every frame, so that the report names the exact first frame at which the worlds parted.
 LockstepReport CheckLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault = {});
 
 }  // namespace glow_horde_testing

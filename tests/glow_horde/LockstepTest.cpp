@@ -10,7 +10,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <set>
 
 #include <fmt/format.h>
@@ -106,8 +105,6 @@ TEST(GlowHordeLockstep, AnOrderDeliveredOneFrameLateIsCaughtWhereItHappened) {
     EXPECT_FALSE(report.agreed);
     // The order was due at frame F on client 1, before player 0's update F - delay there (numbered
     // from 0): after that update, F - delay + 1 in all, client 1's copy of player 0 is not client 0's.
-    ASSERT_FALSE(report.playersThatDiffered.empty());
-    EXPECT_EQ(report.playersThatDiffered.front(), 0);
     ASSERT_TRUE(report.firstPlayerDifference[0].has_value());
     std::uint32_t const updates = *report.faultFrame - static_cast<std::uint32_t>(game.delayFrames) + 1;
     EXPECT_EQ(*report.firstPlayerDifference[0], updates);

@@ -14,15 +14,12 @@ using namespace glow_horde_testing;
 
 namespace {
 
-// Every client of a game ends with the same result.
-void ExpectClientsAgree(ScriptedGame const& game) {
+// Every client of the game ends with the same result, every click found its unit and every order
+// took effect, so the script kept within the counts.
+void ExpectAgreedAndEveryOrderTook(ScriptedGame const& game, std::vector<ScriptedClick> const& clicks) {
   for (std::size_t c = 1; c < game.results.size(); ++c) {
     EXPECT_EQ(game.results[c], game.results.front()) << "client " << c;
   }
-}
-
-// Every click found its unit and every order took effect, so the script kept within the counts.
-void ExpectEveryOrderTook(ScriptedGame const& game, std::vector<ScriptedClick> const& clicks) {
   for (std::size_t p = 0; p < game.ordersSent.size(); ++p) {
     auto const given =
         std::count_if(clicks.begin(), clicks.end(), [&](auto const& c) { return c.player == static_cast<int>(p); });
@@ -137,13 +134,13 @@ std::string const k_astralChallenges[] = {"Single Player, Astral Steps", "Two pl
 
 TEST(MapRoutes, CauldronsAloneReachesTheOwnExitInTheNextCauldron) {
   ScriptedGame const game = PlayScriptedGame("Single player, Cauldrons", 1, k_cauldronsAlone);
-  ExpectEveryOrderTook(game, k_cauldronsAlone);
+  ExpectAgreedAndEveryOrderTook(game, k_cauldronsAlone);
   ASSERT_EQ(game.results.size(), 1u);
   ASSERT_EQ(game.results[0].results.size(), 1u);
   EXPECT_GE(game.results[0].results[0][0], 1);
   EXPECT_EQ(game.outByExit[0][0], game.results[0].results[0][0]);
   // Not before the last bridge was begun.
-  EXPECT_GT(game.firstOutFrame[0], k_cauldronsAlone.back().frame);
+  EXPECT_GT(game.outFrames[0].at(0), k_cauldronsAlone.back().frame);
 
   // Three bridges end over the cauldron's right wall, 81 px short of the next ledge: nobody gets out.
   std::vector<ScriptedClick> const short3 = Without(k_cauldronsAlone, "horizontal_bridge", 3);
@@ -153,8 +150,7 @@ TEST(MapRoutes, CauldronsAloneReachesTheOwnExitInTheNextCauldron) {
 TEST(MapRoutes, CauldronsForThreeEachPlayerReachesItsOwnExit) {
   std::vector<ScriptedClick> const clicks = CauldronsRace();
   ScriptedGame const game = PlayScriptedGame("Three player, Cauldrons", 3, clicks);
-  ExpectClientsAgree(game);
-  ExpectEveryOrderTook(game, clicks);
+  ExpectAgreedAndEveryOrderTook(game, clicks);
   // Exit e is team e's, and each player is a team of its own.
   ASSERT_EQ(game.outByExit.size(), 3u);
   for (std::size_t p = 0; p < 3; ++p) {
@@ -169,9 +165,8 @@ TEST_P(AstralStepsRoute, EveryPlayerBringsUnitsToTheExitWithinTheChallengesCount
   int const players = GetParam();
   std::vector<ScriptedClick> const clicks = AstralRoute(players);
   ScriptedGame const game = PlayScriptedGame(k_astralChallenges[players - 1], players, clicks);
-  ExpectClientsAgree(game);
   // The counts are the challenge's: an order beyond them would be refused.
-  ExpectEveryOrderTook(game, clicks);
+  ExpectAgreedAndEveryOrderTook(game, clicks);
   ASSERT_EQ(game.outByExit.size(), 1u);
   // Nobody before the last wall was dug.
   auto const lastDig = std::find_if(clicks.rbegin(), clicks.rend(),
@@ -179,7 +174,7 @@ TEST_P(AstralStepsRoute, EveryPlayerBringsUnitsToTheExitWithinTheChallengesCount
   int total = 0;
   for (int p = 0; p < players; ++p) {
     EXPECT_GE(game.outByExit[0][static_cast<std::size_t>(p)], 1) << "player " << p;
-    EXPECT_GT(game.firstOutFrame[static_cast<std::size_t>(p)], lastDig->frame) << "player " << p;
+    EXPECT_GT(game.outFrames[static_cast<std::size_t>(p)].at(0), lastDig->frame) << "player " << p;
     total += game.outByExit[0][static_cast<std::size_t>(p)];
   }
   EXPECT_EQ(game.results[0].results[0][0], total);

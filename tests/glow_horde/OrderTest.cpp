@@ -8,41 +8,29 @@
 #include "glow_horde/Order.h"
 
 TEST(OrderBytes, EncodingIsSevenLittleEndianBytesInFieldOrder) {
-  Order order;
-  order.index_in_array_ = 0x0102;
-  order.id_ = 0xA0B0;
-  order.activity_ = LemmingActivity::DigUpwards;
-  order.trigger_ = LemmingActivityTrigger::AfterTurning;
+  Order const order{0x0102, 0xA0B0, LemmingActivity::DigUpwards, LemmingActivityTrigger::AfterTurning};
   std::vector<unsigned char> const expected = {0x02, 0x01, 0xB0, 0xA0, 0x06, 0x00, 0x03};
   EXPECT_EQ(order.toBytes(), expected);
   EXPECT_EQ(Order::decode(expected), order);
 }
 
 TEST(OrderBytes, AnythingButSevenBytesOfKnownValuesIsNoOrder) {
-  std::vector<unsigned char> const good = {0x05, 0x00, 0x07, 0x00, 0x04, 0x00, 0x02};
-  ASSERT_TRUE(Order::decode(good).has_value());
-  EXPECT_EQ(Order::decode(good)->index_in_array_, 5);
-  EXPECT_EQ(Order::decode(good)->activity_, LemmingActivity::DigDown);
-  EXPECT_EQ(Order::decode(good)->trigger_, LemmingActivityTrigger::BeforeFalling);
+  using Bytes = std::vector<unsigned char>;
+  Bytes const good = {0x05, 0x00, 0x07, 0x00, 0x04, 0x00, 0x02};
+  EXPECT_EQ(Order::decode(good), (Order{5, 7, LemmingActivity::DigDown, LemmingActivityTrigger::BeforeFalling}));
 
-  EXPECT_FALSE(Order::decode({}).has_value());
-  for (std::size_t size = 1; size < 7; ++size) {
-    std::vector<unsigned char> const shorter(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
-    EXPECT_FALSE(Order::decode(shorter).has_value()) << size;
+  std::vector<Bytes> bad = {
+      {0x05, 0x00, 0x07, 0x00, 0x04, 0x00, 0x02, 0x00}, // eight bytes
+      {0x05, 0x00, 0x07, 0x00, 0x07, 0x00, 0x02},       // activity 7
+      {0x05, 0x00, 0x07, 0x00, 0x00, 0x01, 0x02},       // activity 256
+      {0x05, 0x00, 0x07, 0x00, 0x04, 0x00, 0x04},       // trigger 4
+  };
+  for (std::size_t size = 0; size < 7; ++size) {
+    bad.emplace_back(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
   }
-  std::vector<unsigned char> longer = good;
-  longer.push_back(0);
-  EXPECT_FALSE(Order::decode(longer).has_value());
-
-  std::vector<unsigned char> badActivity = good;
-  badActivity[4] = 7;
-  EXPECT_FALSE(Order::decode(badActivity).has_value());
-  badActivity[4] = 0;
-  badActivity[5] = 1; // activity 256
-  EXPECT_FALSE(Order::decode(badActivity).has_value());
-  std::vector<unsigned char> badTrigger = good;
-  badTrigger[6] = 4;
-  EXPECT_FALSE(Order::decode(badTrigger).has_value());
+  for (Bytes const& bytes : bad) {
+    EXPECT_FALSE(Order::decode(bytes).has_value()) << ::testing::PrintToString(bytes);
+  }
 }
 
 TEST(OrderBytes, RandomBytesDecodeSafelyAndValidOnesRoundTrip) {

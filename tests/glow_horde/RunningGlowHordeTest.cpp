@@ -6,6 +6,7 @@
 #include "Games.h"
 #include "SDL3App.h"
 #include "SoundSystem.h"
+#include "TutorialLevelSettings.h"
 #include "glow_horde/GlowHordeGame.h"
 #include "glow_horde/RunningGlowHorde.h"
 #include "support/HeadlessApp.h"
@@ -23,27 +24,19 @@ protected:
   }
   static void TearDownTestSuite() { app_.reset(); }
 
-  static std::unique_ptr<RunningGlowHorde> start(GameSettings const& settings, std::vector<unsigned short> const& slots,
-                                                 int local = 0) {
+  static std::unique_ptr<RunningGlowHorde> start(GameSettings const& settings, std::vector<unsigned short> const& slots) {
     std::unique_ptr<IRunningGame> session =
-        games_.refGame(Game::GlowHorde).startSession(app_, local, 16666, 15, settings, slots, false);
+        games_.refGame(Game::GlowHorde).startSession(app_, 0, 16666, 15, settings, slots, false);
     return std::unique_ptr<RunningGlowHorde>(dynamic_cast<RunningGlowHorde*>(session.release()));
   }
-  static GameSettings settings(std::string const& map) {
-    GameSettings s = DefaultSettingsFromSchema(games_.refGame(Game::GlowHorde).schema);
-    s.strings["map"] = map;
-    return s;
-  }
-  static GameSettings tutorialOne() {
-    GameSettings s = settings("Tutorial 1: dig down");
-    for (char const* key : {"bridge_orders", "horizontal_bridge_orders", "raise_ground_orders", "block_orders",
-                            "dig_sideways_orders", "dig_upwards_orders"}) {
-      s.ints[key] = 0;
+  // The first tutorial level (one unit, one dig down order and none of any other), stepped to the
+  // frame; by frame 300 the unit stands on the floor.
+  static std::unique_ptr<RunningGlowHorde> tutorialOneAt(std::uint32_t frame = 15) {
+    auto session = start(TutorialLevelSettings(games_.refGame(Game::GlowHorde).schema, 0), {0});
+    while (session->currentFrame() < frame) {
+      step(*session);
     }
-    s.ints["dig_down_orders"] = 1;
-    s.ints["number_to_spawn"] = 1;
-    s.ints["spawn_interval_deciseconds"] = 20;
-    return s;
+    return session;
   }
   // Steps like a local game: the session's own order in ourOrder, nothing from anybody else.
   static void step(RunningGlowHorde& session, std::vector<unsigned char> ourOrder = {}) {
@@ -65,16 +58,20 @@ protected:
   static inline Games const games_;
 };
 
-// Pixels of the rectangle that are close to the colour, counted.
-int CountNear(SDL_Surface* surface, SDL_Rect area, Uint8 r, Uint8 g, Uint8 b) {
+// Pixels of the rectangle that are close to the colour (within 40 in each channel), counted; with
+// another surface, the pixels that differ between the two.
+int CountPixels(SDL_Surface* surface, SDL_Rect area, SDL_Color colour, SDL_Surface* other = nullptr) {
   int count = 0;
   for (int y = area.y; y < area.y + area.h; ++y) {
     for (int x = area.x; x < area.x + area.w; ++x) {
-      Uint8 pr = 0;
-      Uint8 pg = 0;
-      Uint8 pb = 0;
-      SDL_ReadSurfacePixel(surface, x, y, &pr, &pg, &pb, nullptr);
-      count += std::abs(pr - r) < 40 && std::abs(pg - g) < 40 && std::abs(pb - b) < 40 ? 1 : 0;
+      SDL_Color a{};
+      SDL_ReadSurfacePixel(surface, x, y, &a.r, &a.g, &a.b, nullptr);
+      if (other != nullptr) {
+        SDL_ReadSurfacePixel(other, x, y, &colour.r, &colour.g, &colour.b, nullptr);
+      }
+      bool const near = std::abs(a.r - colour.r) < 40 && std::abs(a.g - colour.g) < 40 && std::abs(a.b - colour.b) < 40;
+      bool const same = a.r == colour.r && a.g == colour.g && a.b == colour.b;
+      count += (other != nullptr ? !same : near) ? 1 : 0;
     }
   }
   return count;
@@ -83,7 +80,7 @@ int CountNear(SDL_Surface* surface, SDL_Rect area, Uint8 r, Uint8 g, Uint8 b) {
 }  // namespace
 
 TEST_F(RunningGlowHordeTest, ANewSessionHasRunItsHeadStartAndLooksAtTheLocalSpawn) {
-  auto session = start(tutorialOne(), {0});
+  auto session = tutorialOneAt();
   EXPECT_EQ(session->currentFrame(), 15u);
   EXPECT_EQ(session->wrappedAlways({784, -321}), (Position{784, 703}));
   EXPECT_FLOAT_EQ(session->controls().camera().x, 784.0f - 160.0f);
@@ -93,12 +90,14 @@ TEST_F(RunningGlowHordeTest, ANewSessionHasRunItsHeadStartAndLooksAtTheLocalSpaw
 }
 
 TEST_F(RunningGlowHordeTest, AClickFindsAUnitWithin150PixelsOrIsLost) {
-  auto session = start(tutorialOne(), {0});
-  while (session->currentFrame() < 300) {
-    step(*session);
-  }
+  auto session = tutorialOneAt(300);
   SoundSystem const& sound = app_->getSoundSystem();
   std::size_t const playingBefore = sound.playingCount();
+  auto const expectSoundsStarted = [&](std::size_t started) {
+    if (sound.engineReady()) {
+      EXPECT_EQ(sound.playingCount(), playingBefore + started);
+    }
+  };
 
   // The unit stands on the floor at y 600 near x 800. A click 150 pixels away still finds it; one
   // 151 pixels away finds nobody: no order goes out, the click is gone, and nothing is heard.
@@ -119,15 +118,11 @@ TEST_F(RunningGlowHordeTest, AClickFindsAUnitWithin150PixelsOrIsLost) {
   EXPECT_EQ(order[4], 4);  // dig down
   EXPECT_EQ(order[6], 0);  // immediate
   EXPECT_TRUE(session->processUIInputsAndGetOurNextOrder().empty());
-  if (sound.engineReady()) {
-    EXPECT_EQ(sound.playingCount(), playingBefore);
-  }
+  expectSoundsStarted(0);
 
   step(*session, order);
   EXPECT_EQ(session->simulation().localPlayerState().availabilities()[LemmingActivity::DigDown], 0);
-  if (sound.engineReady()) {
-    EXPECT_EQ(sound.playingCount(), playingBefore + 1);
-  }
+  expectSoundsStarted(1);
   // None left: no unit is offered any more, though a click still resolves to an order that every
   // client will refuse.
   EXPECT_FALSE(session->evaluateCondition("order_applies 800,600 dig_down"));
@@ -135,13 +130,11 @@ TEST_F(RunningGlowHordeTest, AClickFindsAUnitWithin150PixelsOrIsLost) {
   std::vector<unsigned char> const refused = session->processUIInputsAndGetOurNextOrder();
   EXPECT_EQ(refused.size(), 7u);
   step(*session, refused);
-  if (sound.engineReady()) {
-    EXPECT_EQ(sound.playingCount(), playingBefore + 1);
-  }
+  expectSoundsStarted(1);
 }
 
 TEST_F(RunningGlowHordeTest, TextOrdersTakeTheSessionsDefaultTriggers) {
-  auto session = start(tutorialOne(), {0});
+  auto session = tutorialOneAt();
   EXPECT_EQ(session->parseUIOrder("5,6 dig_sideways")->trigger, LemmingActivityTrigger::WhenBlocked);
   session->controls().defaultTriggers()[5] = LemmingActivityTrigger::AfterTurning;
   EXPECT_EQ(session->parseUIOrder("5,6 dig_sideways")->trigger, LemmingActivityTrigger::AfterTurning);
@@ -151,7 +144,7 @@ TEST_F(RunningGlowHordeTest, TextOrdersTakeTheSessionsDefaultTriggers) {
 }
 
 TEST_F(RunningGlowHordeTest, ConditionsAndOrdersOfADriverMustBeWellFormed) {
-  auto session = start(tutorialOne(), {0});
+  auto session = tutorialOneAt();
   EXPECT_DEATH(session->evaluateCondition("units_out 1"), "condition_type == \"order_applies\"");
   EXPECT_DEATH(session->evaluateCondition("order_applies 1,2 dance"), "parsed.has_value\\(\\)");
   EXPECT_DEATH(session->injectOrder("1 2 dig_down"), "parsed.has_value\\(\\)");
@@ -163,31 +156,25 @@ TEST_F(RunningGlowHordeTest, AnExitIsDrawnInTheColourOfItsPlaceAmongTheTeamsInPl
   SDL_Rect const exitArea{130, 89, 60, 60};
   for (bool secondTeamOnly : {true, false}) {
     SCOPED_TRACE(secondTeamOnly ? "slots 1 and 3" : "slots 0 and 1");
-    auto session = start(settings("Unwrapped Ledges"), secondTeamOnly ? std::vector<unsigned short>{1, 3}
+    GameSettings settings = DefaultSettingsFromSchema(games_.refGame(Game::GlowHorde).schema);
+    settings.strings["map"] = "Unwrapped Ledges";
+    auto session = start(settings, secondTeamOnly ? std::vector<unsigned short>{1, 3}
                                                                       : std::vector<unsigned short>{0, 1});
     Camera& camera = session->controls().camera();
     camera.x = 400.0f - 160.0f;
     camera.y = 159.0f - 120.0f;
     SDL_Surface* frame = renderFrame(*session);
     ASSERT_NE(frame, nullptr);
-    int const green = CountNear(frame, exitArea, 0, 255, 127);
-    int const blue = CountNear(frame, exitArea, 0, 127, 255);
+    int const green = CountPixels(frame, exitArea, {0, 255, 127, 255});
+    int const blue = CountPixels(frame, exitArea, {0, 127, 255, 255});
     SDL_DestroySurface(frame);
-    if (secondTeamOnly) {
-      EXPECT_GT(green, 50);
-      EXPECT_EQ(blue, 0);
-    } else {
-      EXPECT_GT(blue, 50);
-      EXPECT_EQ(green, 0);
-    }
+    EXPECT_GT(secondTeamOnly ? green : blue, 50);
+    EXPECT_EQ(secondTeamOnly ? blue : green, 0);
   }
 }
 
 TEST_F(RunningGlowHordeTest, BracketsMarkTheUnitThatAClickUnderThePointerWouldGoTo) {
-  auto session = start(tutorialOne(), {0});
-  while (session->currentFrame() < 300) {
-    step(*session);
-  }
+  auto session = tutorialOneAt(300);
   Position const unit = session->simulation().localPlayerState().lemmings().at(0).position();
   Camera& camera = session->controls().camera();
   camera.x = static_cast<float>(unit.x) - 160.0f;
@@ -196,27 +183,16 @@ TEST_F(RunningGlowHordeTest, BracketsMarkTheUnitThatAClickUnderThePointerWouldGo
   SDL_Rect const around{160 - 12, 239 - 120 - 20, 24, 30};
 
   // Dig down is the one activity with an order left: brackets show only for an order that can be given.
-  SDL_Event key{};
-  key.type = SDL_EVENT_KEY_DOWN;
-  key.key.scancode = SDL_SCANCODE_F5;
+  SDL_Event const key{.key = {.type = SDL_EVENT_KEY_DOWN, .scancode = SDL_SCANCODE_F5, .down = true}};
   session->controls().handleEvent(key, {200.0f, 130.0f, true});  // within 150 pixels of the unit
   ASSERT_TRUE(session->controls().hoverPosition().has_value());
   SDL_Surface* marked = renderFrame(*session);
   session->controls().handleEvent(key, {10.0f, 10.0f, false});  // the pointer over the interface
   EXPECT_FALSE(session->controls().hoverPosition().has_value());
   SDL_Surface* plain = renderFrame(*session);
-  int changed = 0;
-  for (int y = around.y; y < around.y + around.h; ++y) {
-    for (int x = around.x; x < around.x + around.w; ++x) {
-      Uint8 r0, g0, b0, r1, g1, b1;
-      SDL_ReadSurfacePixel(plain, x, y, &r0, &g0, &b0, nullptr);
-      SDL_ReadSurfacePixel(marked, x, y, &r1, &g1, &b1, nullptr);
-      changed += r0 != r1 || g0 != g1 || b0 != b1 ? 1 : 0;
-    }
-  }
+  EXPECT_GT(CountPixels(plain, around, {}, marked), 10);
   SDL_DestroySurface(plain);
   SDL_DestroySurface(marked);
-  EXPECT_GT(changed, 10);
 }
 
 TEST_F(RunningGlowHordeTest, AResultRowReadsAsUnitsOutAndTheirAverageTime) {

@@ -26,15 +26,20 @@ struct ScriptedGame {
   // outByExit[e][p]: units of player p that went out at exit e (the order of exitPositions), as
   // client 0 saw them leave.
   std::vector<std::vector<int>> outByExit;
-  std::vector<std::uint32_t> firstOutFrame;  // by player: the update at which its first unit went out, or 0
+  // By player: the update at which each of its units went out, in order.
+  std::vector<std::vector<std::uint32_t>> outFrames;
 };
 
-// Plays the named co-op challenge or ranked match, with the players in slots 0, 1, ... Raises
-// std::invalid_argument for a click that isn't an order or an unknown name.
+// Plays the game with the players in slots 0, 1, ... Raises std::invalid_argument for a click that
+// isn't an order or (by name) an unknown co-op challenge or ranked match.
+ScriptedGame PlayScriptedGame(GameSettings const& settings, int players, std::vector<ScriptedClick> const& clicks,
+                              std::uint8_t delayFrames = 15);
 ScriptedGame PlayScriptedGame(std::string const& namedSettings, int players, std::vector<ScriptedClick> const& clicks,
                               std::uint8_t delayFrames = 15);
 
 // The settings of the named co-op challenge or ranked match of the catalogue.
 GameSettings NamedGlowHordeSettings(std::string const& name);
+// The settings of a tutorial level (from 0), as the main loop starts it.
+GameSettings TutorialSettings(int level);
 
 }  // namespace glow_horde_testing

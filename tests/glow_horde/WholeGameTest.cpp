@@ -90,18 +90,18 @@ TEST_P(WholeGameTest, EveryMapRunsItsFullTimeToAResult) {
     EXPECT_LE(-row[1], row[0] * 16 * 10800);
     EXPECT_GE(-row[1], row[0] * 16 * 198);  // the first unit appears on the 199th update
   }
+  // Without orders nobody leaves the pits, the steps or the tutorial rooms.
+  if (map == "Mosh pit" || map == "Astral Steps" || map.starts_with("Tutorial")) {
+    EXPECT_EQ(UnitsOut(game.result), 0);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, WholeGameTest,
                          ::testing::Values("Wrapped Ledges", "Unwrapped Ledges", "Cauldrons", "Mosh pit", "Astral Steps",
                                            "Tutorial 1: dig down", "Tutorial 2: dig sideways", "Tutorial 3: bridge"),
                          [](::testing::TestParamInfo<std::string> const& info) {
-                           std::string name;
-                           for (char c : info.param) {
-                             if (std::isalnum(static_cast<unsigned char>(c))) {
-                               name += c;
-                             }
-                           }
+                           std::string name = info.param;
+                           std::erase_if(name, [](unsigned char c) { return !std::isalnum(c); });
                            return name;
                          });
 
@@ -137,12 +137,4 @@ TEST_F(WholeGameTest, InCauldronsNoUnitReachesItsOwnExitButNeighboursScore) {
   EXPECT_GT(three.result.results[0][0], 0);
   EXPECT_EQ(three.result.results[0], three.result.results[1]);
   EXPECT_EQ(three.result.results[1], three.result.results[2]);
-}
-
-TEST_F(WholeGameTest, WithoutOrdersNobodyLeavesThePitsTheStepsOrTheTutorialRooms) {
-  for (char const* map : {"Mosh pit", "Astral Steps", "Tutorial 1: dig down", "Tutorial 2: dig sideways",
-                          "Tutorial 3: bridge"}) {
-    SCOPED_TRACE(map);
-    EXPECT_EQ(UnitsOut(play(map, allSlots(map)).result), 0);
-  }
 }

@@ -31,15 +31,16 @@ std::optional<std::string> CheckAgainstVisibilityRule(ClientLog const& log, Work
                                                       std::function<std::optional<int>(int x, int y)> const& locate,
                                                       std::vector<std::vector<std::uint32_t>>* committedByUpdate) {
   int committed = -1;  // updates up to this one are in `pixels`
-  for (int update = 0; update < work.updates; ++update) {
-    while (committed < update - work.delay - 1) {
-      ++committed;
-      Commit(log, committed, pixels, locate);
+  // Past the last update only to fill committedByUpdate to the end.
+  int const last = committedByUpdate != nullptr ? work.updates + work.delay : work.updates - 1;
+  for (int update = 0; update <= last; ++update) {
+    while (committed < std::min(update - work.delay - 1, work.updates - 1)) {
+      Commit(log, ++committed, pixels, locate);
       if (committedByUpdate != nullptr) {
         committedByUpdate->push_back(pixels);
       }
     }
-    for (int player = 0; player < work.players; ++player) {
+    for (int player = 0; player < work.players && update < work.updates; ++player) {
       auto const& own = log[static_cast<std::size_t>(player)];
       for (Query const& query : own[static_cast<std::size_t>(update)].queries) {
         std::optional<int> const index = locate(query.x, query.y);
@@ -65,13 +66,6 @@ std::optional<std::string> CheckAgainstVisibilityRule(ClientLog const& log, Work
                  std::to_string(query.y) + ")";
         }
       }
-    }
-  }
-  if (committedByUpdate != nullptr) {
-    while (committed < work.updates - 1) {
-      ++committed;
-      Commit(log, committed, pixels, locate);
-      committedByUpdate->push_back(pixels);
     }
   }
   return std::nullopt;

@@ -62,11 +62,7 @@ UpdateLog RunUpdate(World& world, Workload const& work, int player, int update) 
     return answer;
   };
   auto change = [&](int x, int y, bool add) {
-    if (add) {
-      world.queueAddPixel(player, x, y);
-    } else {
-      world.queueRemovePixel(player, x, y);
-    }
+    add ? world.queueAddPixel(player, x, y) : world.queueRemovePixel(player, x, y);
     log.changes.push_back({x, y, add});
   };
   for (int unit = 0; unit < work.unitsPerPlayer; ++unit) {
