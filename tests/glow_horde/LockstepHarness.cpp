@@ -12,6 +12,7 @@
 #include "Games.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/Order.h"
+#include "glow_horde/RunningGlowHorde.h"
 
 namespace glow_horde_testing {
 
@@ -28,15 +29,33 @@ IGame const& GlowHorde() {
 
 int Between(std::mt19937_64& random, int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
 
-// One client: its simulation, its own random orders, and what it saw.
+int OrdersLeft(PlayerState const& player) {
+  auto const& counts = player.availabilities().counts;
+  return std::accumulate(counts.begin(), counts.end(), 0);
+}
+
+// One client: its simulation (bare, or inside a whole session), its own random orders, and what it saw.
 struct Client {
-  std::unique_ptr<GlowHordeSimulation> simulation;
+  std::unique_ptr<GlowHordeSimulation> bare;
+  std::unique_ptr<IRunningGame> session;
+  GlowHordeSimulation const* simulation = nullptr;
   std::mt19937_64 random;
   Digests localBase;                      // by frame counter
   std::vector<Digests> players;           // [player][number of updates the player has had]
   std::vector<std::string> partedOrders;  // orders that named a unit that isn't there
 
   int local() const { return simulation->localPlayer(); }
+
+  // Steps once; whether the client's own order took effect (a session doesn't say, but the order
+  // used up one of its player's allowance then).
+  bool step(Orders const& orders, Bytes const& ours) {
+    if (bare) {
+      return bare->update(orders, ours).localOrderAccepted;
+    }
+    int const before = OrdersLeft(simulation->localPlayerState());
+    session->update(orders, ours);
+    return OrdersLeft(simulation->localPlayerState()) < before;
+  }
 };
 
 // The order that this client's player gives now, as bytes; empty for none.
@@ -145,7 +164,8 @@ std::string DescribeResult(Bytes const& bytes) {
 }
 
 // Plays the game once. localBaseEvery is the frame stride of the world digests (1: every frame).
-LockstepReport RunLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault, int localBaseEvery) {
+LockstepReport RunLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault, int localBaseEvery,
+                               std::shared_ptr<SDL3App> const& shell) {
   MapSettings const& map = GlowHorde().maps.at(game.map);
   std::size_t const playerCount = game.slots.size();
   auto const delay = static_cast<std::uint32_t>(game.delayFrames);
@@ -153,9 +173,16 @@ LockstepReport RunLockstepGame(LockstepGame const& game, std::optional<RelayFaul
   std::vector<Client> clients(playerCount);
   for (std::size_t c = 0; c < playerCount; ++c) {
     Client& client = clients[c];
-    client.simulation = std::make_unique<GlowHordeSimulation>(nullptr, static_cast<int>(c), 16666,
-                                                              static_cast<std::uint8_t>(delay), game.settings, map,
-                                                              game.slots);
+    if (shell) {
+      client.session = GlowHorde().startSession(shell, static_cast<int>(c), 16666, static_cast<unsigned char>(delay),
+                                                game.settings, game.slots, false);
+      client.simulation = &dynamic_cast<RunningGlowHorde&>(*client.session).simulation();
+    } else {
+      client.bare = std::make_unique<GlowHordeSimulation>(nullptr, static_cast<int>(c), 16666,
+                                                          static_cast<std::uint8_t>(delay), game.settings, map,
+                                                          game.slots);
+      client.simulation = client.bare.get();
+    }
     client.random.seed(game.seed * 1000003ull + c);
     std::uint32_t const endFrame = client.simulation->endFrame();
     client.localBase.resize(endFrame + delay + 1);
@@ -204,7 +231,7 @@ LockstepReport RunLockstepGame(LockstepGame const& game, std::optional<RelayFaul
           orders[p].clear();
         }
       }
-      if (client.simulation->update(orders, ours[c]).localOrderAccepted) {
+      if (client.step(orders, ours[c])) {
         acceptedByGiver[k][c] = true;
         report.ordersAccepted += 1;
       }
@@ -303,9 +330,10 @@ LockstepGame RandomLockstepGame(std::uint64_t seed) {
   return game;
 }
 
-LockstepReport CheckLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault) {
-  LockstepReport report = RunLockstepGame(game, fault, 16);
-  return report.agreed ? report : RunLockstepGame(game, fault, 1);
+LockstepReport CheckLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault,
+                                 std::shared_ptr<SDL3App> const& shell) {
+  LockstepReport report = RunLockstepGame(game, fault, 16, shell);
+  return report.agreed ? report : RunLockstepGame(game, fault, 1, shell);
 }
 
 }  // namespace glow_horde_testing

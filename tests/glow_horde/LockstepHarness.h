@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "GameSettings.h"
+
+class SDL3App;
 
 // Several clients of one Glow Horde game in one process, each its own simulation with its own local
 // player, joined by an in-memory relay that does what the server does: every client's order of its
@@ -58,6 +61,9 @@ struct LockstepReport {
 
 // Plays the game with a world digest every 16 frames; if the clients disagree, plays it again with
 // one at every frame, so that the report names the exact first frame at which the worlds parted.
-LockstepReport CheckLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault = {});
+// Given a shell, each client is the whole session that the catalogue starts on it, stepped through
+// IRunningGame::update as the main loop steps it; without one, each is the bare simulation.
+LockstepReport CheckLockstepGame(LockstepGame const& game, std::optional<RelayFault> fault = {},
+                                 std::shared_ptr<SDL3App> const& shell = nullptr);
 
 }  // namespace glow_horde_testing

@@ -10,11 +10,14 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <optional>
 #include <set>
 
 #include <fmt/format.h>
 
 #include "glow_horde/LockstepHarness.h"
+#include "support/HeadlessApp.h"
 
 using namespace glow_horde_testing;
 
@@ -37,12 +40,12 @@ struct Tally {
 };
 
 // Plays the games with seeds first to first + count - 1; every one must agree.
-Tally PlayRandomGames(std::uint64_t first, int count) {
+Tally PlayRandomGames(std::uint64_t first, int count, std::shared_ptr<SDL3App> const& shell = nullptr) {
   Tally tally;
   auto const start = std::chrono::steady_clock::now();
   for (int i = 0; i < count; ++i) {
     LockstepGame const game = RandomLockstepGame(first + static_cast<std::uint64_t>(i));
-    LockstepReport const report = CheckLockstepGame(game);
+    LockstepReport const report = CheckLockstepGame(game, std::nullopt, shell);
     EXPECT_TRUE(report.agreed) << report.text;
     tally.games += 1;
     tally.orders += report.ordersGiven;
@@ -122,6 +125,21 @@ TEST(GlowHordeLockstep, AnOrderDeliveredOneFrameLateIsCaughtWhereItHappened) {
   }
   EXPECT_GE(caught, 5);
   EXPECT_GE(worldsParted, 1);
+}
+
+// The same through whole sessions, as the main loop steps them: what the session adds to its
+// simulation (camera, controls, sounds, drawing resources) must not reach the shared state.
+class GlowHordeSessionLockstep : public HeadlessAppTest {};
+
+TEST_F(GlowHordeSessionLockstep, RandomGamesThroughWholeSessionsEndByteEqual) {
+  Tally const sessions = PlayRandomGames(5000, 24, app_);
+  Tally const bare = PlayRandomGames(5000, 24);
+  EXPECT_GE(sessions.playerCounts.size(), 3u);
+  EXPECT_GT(sessions.accepted, 50);
+  // The sessions played the very games that the bare simulations play.
+  EXPECT_EQ(sessions.frames, bare.frames);
+  EXPECT_EQ(sessions.orders, bare.orders);
+  EXPECT_EQ(sessions.accepted, bare.accepted);
 }
 
 TEST(GlowHordeLockstepSoak, ManyMoreRandomGames) {
