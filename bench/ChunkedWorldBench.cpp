@@ -8,8 +8,8 @@
 #include <random>
 #include <vector>
 
-#include "ChunkedWorld.h"
-#include "XXHashHasher.h"
+#include "world/ChunkedWorld.h"
+#include "sim/XXHashHasher.h"
 #include "glow_horde/BenchWorld.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "XXHashHasher.h"
+#include "sim/XXHashHasher.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 // measured is the stepping itself: taking the order, the order source and the call of update.
 #include <benchmark/benchmark.h>
 
-#include "IGame.h"
-#include "IRunningGame.h"
-#include "LocalOnlyOrderSource.h"
-#include "UpdateSimulation.h"
+#include "sim/IGame.h"
+#include "sim/IRunningGame.h"
+#include "sim/LocalOnlyOrderSource.h"
+#include "sim/UpdateSimulation.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Parsing a busy lobby: the LOBBY_STATE that a client reads on every change in the lobby.
 #include <benchmark/benchmark.h>
 
-#include "GameRecordsWire.h"
-#include "LobbyRecordsWire.h"
+#include "net/GameRecordsWire.h"
+#include "net/LobbyRecordsWire.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 // The readers of standard containers must be visible where CheckReader is defined; the records' own
 // readers are found by argument-dependent lookup.
-#include "WireEncoding.h"
+#include "net/WireEncoding.h"
 
 // Checks shared by the fuzz targets. A failed check aborts, which libFuzzer reports as a crash and
 // saves the input that caused it.

@@ -1,7 +1,7 @@
 // Fuzz target: the tolerant GameSpec reader. Every input gives a spec, and a spec writes back to
 // bytes that read to the same spec.
 #include "FuzzChecks.h"
-#include "GameRecordsWire.h"
+#include "net/GameRecordsWire.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   GameSpec const spec = ParseGameSpec(data, size);

@@ -1,5 +1,5 @@
 // Fuzz target: FromBytes of PlayerNameInfo.
-#include "LobbyRecordsWire.h"
+#include "net/LobbyRecordsWire.h"
 #include "FuzzChecks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "FuzzChecks.h"
-#include "Recording.h"
+#include "sim/Recording.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   std::istringstream file(std::string(reinterpret_cast<char const*>(data), size));

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "FuzzChecks.h"
-#include "ServerInfo.h"
+#include "net/ServerInfo.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   unsigned char const* cursor = data;

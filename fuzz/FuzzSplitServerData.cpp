@@ -1,7 +1,7 @@
 // Fuzz target: SplitServerData over an update of any length; the first byte gives the number of
 // players. The sanitizer catches any read past the update's end.
 #include "FuzzChecks.h"
-#include "SplitServerData.h"
+#include "sim/SplitServerData.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   if (size == 0) {

@@ -1,5 +1,5 @@
 // Fuzz target: FromBytes of std::vector<bool>.
-#include "WireEncoding.h"
+#include "net/WireEncoding.h"
 #include "FuzzChecks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "FuzzChecks.h"
-#include "WireEncoding.h"
+#include "net/WireEncoding.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   if (size == 0) {

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "GameRecordsWire.h"
-#include "LobbyRecordsWire.h"
-#include "Recording.h"
-#include "ServerInfo.h"
+#include "net/GameRecordsWire.h"
+#include "net/LobbyRecordsWire.h"
+#include "sim/Recording.h"
+#include "net/ServerInfo.h"
 
 namespace {
 

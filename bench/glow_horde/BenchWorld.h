@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "ChunkedWorld.h"
+#include "world/ChunkedWorld.h"
 
 inline constexpr std::uint32_t k_benchGround = 0xFE7A5030u;
 inline constexpr std::uint32_t k_benchSky = 0x00000000u;

@@ -13,8 +13,8 @@
 #include <random>
 #include <vector>
 
-#include "ChangeToExecutableDirectory.h"
-#include "Games.h"
+#include "app/ChangeToExecutableDirectory.h"
+#include "sim/Games.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/Order.h"
 

@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "EmptyBerthMap.h"
-#include "SchemaEntries.h"
+#include "world/EmptyBerthMap.h"
+#include "sim/SchemaEntries.h"
 
 AviatorsGame::AviatorsGame(Private) {
   addMap(EmptyBerthMap());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogue.h"
+#include "sim/GameCatalogue.h"
 
 // The catalogue of Aviators: its map, schema and ranked matches, and the wording of results.
 class AviatorsGame final : public GameCatalogue<AviatorsGame, Game::Aviators> {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "IHasher.h"
+#include "sim/IHasher.h"
 #include "glow_horde/LemmingActivity.h"
 
 // How many more orders of each activity a player may give, in activity value order.

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "TextureCache.h"
+#include "present/TextureCache.h"
 #include "ui/ScopedDisableIf.h"
 
 namespace {

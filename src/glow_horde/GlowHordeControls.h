@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "Camera.h"
-#include "Position.h"
+#include "present/Camera.h"
+#include "world/Position.h"
 #include "glow_horde/DirectionFilter.h"
 #include "glow_horde/LemmingActivity.h"
 #include "glow_horde/LemmingActivityTrigger.h"

@@ -2,7 +2,7 @@
 // (tools, tests) doesn't need the application shell.
 #include <string>
 
-#include "SDL3App.h"
+#include "app/SDL3App.h"
 #include "glow_horde/GlowHordeGame.h"
 
 void GlowHordeGame::oneTimeAppInit(SDL3App& app) {

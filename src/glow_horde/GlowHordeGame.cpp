@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "MapDigests.h"
-#include "SchemaEntries.h"
+#include "world/MapDigests.h"
+#include "sim/SchemaEntries.h"
 #include "glow_horde/RunningGlowHorde.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogue.h"
+#include "sim/GameCatalogue.h"
 
 class SDL3App;
 

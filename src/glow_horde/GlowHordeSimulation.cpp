@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "PlayerSlots.h"
-#include "XXHashHasher.h"
+#include "sim/PlayerSlots.h"
+#include "sim/XXHashHasher.h"
 #include "glow_horde/Order.h"
 
 namespace {

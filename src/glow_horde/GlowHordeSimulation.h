@@ -6,11 +6,11 @@
 #include <memory>
 #include <vector>
 
-#include "ChunkedWorld.h"
-#include "GameResult.h"
-#include "GameSettings.h"
-#include "MapSettings.h"
-#include "Position.h"
+#include "world/ChunkedWorld.h"
+#include "sim/GameResult.h"
+#include "sim/GameSettings.h"
+#include "sim/MapSettings.h"
+#include "world/Position.h"
 #include "glow_horde/PlayerState.h"
 
 // The shared state of one Glow Horde game as one client holds it, and its step: the world, every

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "IHasher.h"
-#include "Position.h"
+#include "sim/IHasher.h"
+#include "world/Position.h"
 #include "glow_horde/IHordelingWorld.h"
 #include "glow_horde/LemmingActivity.h"
 #include "glow_horde/LemmingActivityTrigger.h"

@@ -1,6 +1,6 @@
 #include "glow_horde/LemmingWorld.h"
 
-#include "ChunkedWorld.h"
+#include "world/ChunkedWorld.h"
 
 int LemmingWorld::width() const {
   return world_.width();

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <tuple>
 
-#include "ChunkedWorld.h"
-#include "QZAssert.h"
-#include "Renderer.h"
+#include "world/ChunkedWorld.h"
+#include "app/QZAssert.h"
+#include "present/Renderer.h"
 #include "glow_horde/LemmingWorld.h"
 
 namespace {

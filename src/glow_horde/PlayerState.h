@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "IHasher.h"
-#include "Position.h"
+#include "sim/IHasher.h"
+#include "world/Position.h"
 #include "glow_horde/ActivityAvailabilities.h"
 #include "glow_horde/DirectionFilter.h"
 #include "glow_horde/IHordelingWorld.h"

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <imgui.h>
 
-#include "PlayerSlots.h"
+#include "sim/PlayerSlots.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cctype>
 
-#include "PlayerSlots.h"
-#include "QZAssert.h"
-#include "Renderer.h"
-#include "SDL3App.h"
-#include "SoundSystem.h"
-#include "TextureCache.h"
+#include "sim/PlayerSlots.h"
+#include "app/QZAssert.h"
+#include "present/Renderer.h"
+#include "app/SDL3App.h"
+#include "present/SoundSystem.h"
+#include "present/TextureCache.h"
 #include "glow_horde/DisplayActivitySelector.h"
 #include "glow_horde/GlowHordeGame.h"
 #include "glow_horde/RenderTeamInfoAndScores.h"

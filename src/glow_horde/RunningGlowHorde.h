@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "GameSettings.h"
-#include "IRunningGame.h"
-#include "MapSettings.h"
+#include "sim/GameSettings.h"
+#include "sim/IRunningGame.h"
+#include "sim/MapSettings.h"
 #include "glow_horde/GlowHordeControls.h"
 #include "glow_horde/GlowHordeSimulation.h"
 

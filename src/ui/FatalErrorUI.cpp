@@ -7,7 +7,7 @@
 #include <string_view>
 #include <thread>
 
-#include "SDL3App.h"
+#include "app/SDL3App.h"
 #include "ui/CentredGhostButton.h"
 #include "ui/CentredText.h"
 #include "ui/ImGuiColours.h"

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "Game.h"
-#include "GameSettings.h"
+#include "sim/Game.h"
+#include "sim/GameSettings.h"
 
 // What the lobby pages remember between frames.
 struct LobbyUIState {

@@ -2,8 +2,8 @@
 
 #include <imgui.h>
 
-#include "Games.h"
-#include "IAppState.h"
+#include "sim/Games.h"
+#include "app/IAppState.h"
 #include "ui/BannerAndVersion.h"
 
 struct UI::State {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "UICmd.h"
+#include "app/UICmd.h"
 #include "ui/LobbyUIState.h"
 #include "ui/OfflineUIState.h"
 

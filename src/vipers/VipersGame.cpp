@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "EmptyBerthMap.h"
-#include "SchemaEntries.h"
+#include "world/EmptyBerthMap.h"
+#include "sim/SchemaEntries.h"
 
 VipersGame::VipersGame(Private) {
   addMap(EmptyBerthMap());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogue.h"
+#include "sim/GameCatalogue.h"
 
 // The catalogue of Vipers: its map, schema and ranked matches, and the wording of results.
 class VipersGame final : public GameCatalogue<VipersGame, Game::Vipers> {

@@ -9,10 +9,10 @@
 #include <string>
 #include <utility>
 
-#include "ChunkedWorld.h"
-#include "Games.h"
-#include "MapImages.h"
-#include "XXHashHasher.h"
+#include "world/ChunkedWorld.h"
+#include "sim/Games.h"
+#include "world/MapImages.h"
+#include "sim/XXHashHasher.h"
 #include "support/TestImages.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "GameRecordsWire.h"
-#include "Games.h"
+#include "net/GameRecordsWire.h"
+#include "sim/Games.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "support/TestImages.h"
 

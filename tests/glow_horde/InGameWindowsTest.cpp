@@ -8,7 +8,7 @@
 
 #include <set>
 
-#include "TextureCache.h"
+#include "present/TextureCache.h"
 #include "glow_horde/DisplayActivitySelector.h"
 #include "glow_horde/RenderTeamInfoAndScores.h"
 #include "support/TestImages.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "IHasher.h"
+#include "sim/IHasher.h"
 #include "glow_horde/GridWorld.h"
 #include "glow_horde/Lemming.h"
 #include "glow_horde/WorldWithDiscardedChanges.h"

@@ -8,8 +8,8 @@
 #include <numeric>
 #include <random>
 
-#include "GameRecordsWire.h"
-#include "Games.h"
+#include "net/GameRecordsWire.h"
+#include "sim/Games.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/Order.h"
 #include "glow_horde/RunningGlowHorde.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "GameSettings.h"
+#include "sim/GameSettings.h"
 
 class SDL3App;
 

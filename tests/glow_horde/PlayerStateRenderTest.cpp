@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "Renderer.h"
-#include "TextureCache.h"
+#include "present/Renderer.h"
+#include "present/TextureCache.h"
 #include "glow_horde/GridWorld.h"
 #include "glow_horde/PlayerState.h"
 #include "support/TestImages.h"

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "ChunkedWorld.h"
-#include "XXHashHasher.h"
+#include "world/ChunkedWorld.h"
+#include "sim/XXHashHasher.h"
 #include "glow_horde/GridWorld.h"
 #include "glow_horde/PlayerState.h"
 #include "support/TestImages.h"

@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 
-#include "Games.h"
-#include "SDL3App.h"
-#include "SoundSystem.h"
-#include "TutorialLevelSettings.h"
+#include "sim/Games.h"
+#include "app/SDL3App.h"
+#include "present/SoundSystem.h"
+#include "glow_horde/TutorialLevelSettings.h"
 #include "glow_horde/GlowHordeGame.h"
 #include "glow_horde/RunningGlowHorde.h"
 #include "support/HeadlessApp.h"

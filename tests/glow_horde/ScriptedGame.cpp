@@ -6,8 +6,8 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "Games.h"
-#include "TutorialLevelSettings.h"
+#include "sim/Games.h"
+#include "glow_horde/TutorialLevelSettings.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/UIOrderText.h"
 

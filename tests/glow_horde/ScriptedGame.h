@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "GameResult.h"
-#include "GameSettings.h"
+#include "sim/GameResult.h"
+#include "sim/GameSettings.h"
 
 // A Glow Horde game played by scripted clicks, one client per player as in a networked game: each
 // client runs its own simulation with its own player local, gives that player's clicks at the frames

@@ -7,9 +7,9 @@
 #include <memory>
 #include <numeric>
 
-#include "Games.h"
-#include "LocalOnlyOrderSource.h"
-#include "UpdateSimulation.h"
+#include "sim/Games.h"
+#include "sim/LocalOnlyOrderSource.h"
+#include "sim/UpdateSimulation.h"
 #include "glow_horde/RunningGlowHorde.h"
 #include "support/HeadlessApp.h"
 

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "XXHashHasher.h"
+#include "sim/XXHashHasher.h"
 
 namespace testing_support {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "IGame.h"
-#include "IRunningGame.h"
+#include "sim/IGame.h"
+#include "sim/IRunningGame.h"
 
 // A session that records what the main loop asks of it. Its frame counter starts at delayFrames and
 // rises by one for each update; it ends like a real session, endFrame + delayFrames. Its local player

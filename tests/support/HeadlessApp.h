@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "SDL3App.h"
+#include "app/SDL3App.h"
 
 // A real shell on SDL's dummy video driver (unless the environment chose another), for tests that
 // need a window, a renderer and the interface library. Tests run in the directory of the executables,

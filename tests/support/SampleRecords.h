@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "GameRecordsWire.h"
-#include "GameResults.h"
-#include "LobbyState.h"
+#include "net/GameRecordsWire.h"
+#include "sim/GameResults.h"
+#include "net/LobbyState.h"
 
 // Records with every field set to something other than its default, for round trips.
 namespace samples {

@@ -11,13 +11,13 @@
 #include <memory>
 #include <sstream>
 
-#include "ChangeToExecutableDirectory.h"
+#include "app/ChangeToExecutableDirectory.h"
 #include "DriverScript.h"
-#include "MainLoopContext.h"
-#include "QZAssert.h"
-#include "SDL3App.h"
+#include "app/MainLoopContext.h"
+#include "app/QZAssert.h"
+#include "app/SDL3App.h"
 #include "ScriptCommandSource.h"
-#include "TestLog.h"
+#include "app/TestLog.h"
 #include "UICmdFromText.h"
 #include "ui/InterfaceStyle.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "UICmd.h"
+#include "app/UICmd.h"
 
 // A driver script: one step a line. Blank lines and everything after a '#' outside quotes are
 // ignored; a word is a run of non-blanks or a double-quoted string in which \" and \\ stand for

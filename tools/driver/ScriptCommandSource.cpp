@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "GameResult.h"
-#include "IAppState.h"
-#include "TutorialProgress.h"
+#include "sim/GameResult.h"
+#include "app/IAppState.h"
+#include "glow_horde/TutorialProgress.h"
 
 namespace {
 

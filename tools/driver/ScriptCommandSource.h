@@ -4,7 +4,7 @@
 #include <string>
 
 #include "DriverScript.h"
-#include "IUICommandSource.h"
+#include "app/IUICommandSource.h"
 
 // Plays a driver script through the main loop's command seam: each frame it runs the script's steps
 // until one of them takes the frame (frames, commands, an unfinished wait), then hands over the

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "UICmd.h"
+#include "app/UICmd.h"
 
 // Builds a command from its name (as UICmdName spells it) and its arguments as text. Returns nothing
 // and sets error to a sentence if the name is unknown or the arguments don't fit.

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "Banner.h"
-#include "Games.h"
-#include "EmptyBerthMap.h"
+#include "sim/Games.h"
+#include "world/EmptyBerthMap.h"
 #include "MapDesigns.h"
 #include "MapOutputs.h"
 #include "Cursors.h"
@@ -28,7 +28,7 @@ namespace {
 
 struct Options {
   std::string dataDir = std::string(TANDEM_SOURCE_DIR) + "/data";
-  std::string digestsHeader = std::string(TANDEM_SOURCE_DIR) + "/src/MapDigests.h";
+  std::string digestsHeader = std::string(TANDEM_SOURCE_DIR) + "/src/world/MapDigests.h";
   std::string previewDir;  // empty: no previews
   std::string fontPath = TANDEM_BANNER_FONT;
   std::set<std::string> only;  // empty: everything

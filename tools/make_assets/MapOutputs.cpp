@@ -11,9 +11,9 @@
 #include <stdexcept>
 
 #include "Canvas.h"
-#include "MapImages.h"
-#include "PlayerSlots.h"
-#include "XXHashHasher.h"
+#include "world/MapImages.h"
+#include "sim/PlayerSlots.h"
+#include "sim/XXHashHasher.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "MapSettings.h"
+#include "sim/MapSettings.h"
 
 // The digest of a map image file exactly as a world computes it when it loads the map: the file
 // loaded, converted to ARGB8888, its rows and size fed to XXH3.

@@ -5,10 +5,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "ChunkedWorld.h"
-#include "PlayerSlots.h"
-#include "Renderer.h"
-#include "TextureCache.h"
+#include "world/ChunkedWorld.h"
+#include "sim/PlayerSlots.h"
+#include "present/Renderer.h"
+#include "present/TextureCache.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <SDL3/SDL.h>
 
-#include "Game.h"
-#include "MapSettings.h"
+#include "sim/Game.h"
+#include "sim/MapSettings.h"
 
 // The whole world of one map as the game draws it, at the given zoom, with every start marked in its
 // slot's colour and every exit in the colour of the first slot of its team. Loads the map from "data/"

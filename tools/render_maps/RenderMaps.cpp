@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "Games.h"
+#include "sim/Games.h"
 #include "MapPicture.h"
 
 namespace {

@@ -16,10 +16,10 @@
 #include <string>
 #include <vector>
 
-#include "Games.h"
-#include "PlayerSlots.h"
-#include "Renderer.h"
-#include "TextureCache.h"
+#include "sim/Games.h"
+#include "sim/PlayerSlots.h"
+#include "present/Renderer.h"
+#include "present/TextureCache.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/UIOrderText.h"
 

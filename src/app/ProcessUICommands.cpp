@@ -1,0 +1,150 @@
+#include "app/ProcessUICommands.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <type_traits>
+
+#include "sim/RecordingFiles.h"
+#include "app/SDL3App.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+template <class... Functions>
+struct Overloaded : Functions... {
+  using Functions::operator()...;
+};
+
+void FirstPass(SDL3App& app, std::vector<UICmd> const& commands, std::string const& directory) {
+  for (UICmd const& command : commands) {
+    std::visit(Overloaded{
+                   [&](UICmd::ClearCredentials const&) { fs::remove(fs::path(directory) / "credentials.bin"); },
+                   [&](UICmd::SetCredentials const&) {
+                     throw std::runtime_error(
+                         "Credentials can't be saved: this client has no writer for the credentials file yet.");
+                   },
+                   [&](UICmd::ToggleFullScreen const&) { app.toggleFullScreen(); },
+                   [](auto const&) {},
+               },
+               command.value);
+  }
+}
+
+void RefreshRecordings(mainloop::SharedData& shared, std::string const& directory) {
+  std::vector<Recording> recordings = LoadRecordingsFromDirectory((fs::path(directory) / "recordings").string());
+  std::vector<GameResults> playedGames;
+  playedGames.reserve(recordings.size());
+  for (Recording const& recording : recordings) {
+    playedGames.push_back(recording.results);
+  }
+  shared.recordings = std::move(recordings);
+  shared.playedGames = std::move(playedGames);
+}
+
+void OfflinePass(mainloop::SharedData& shared, std::vector<UICmd> const& commands, std::string const& directory,
+                 bool& quit, CommandOutcome& outcome) {
+  for (UICmd const& command : commands) {
+    std::visit(Overloaded{
+                   [&](UICmd::ConnectToServer const&) {
+                     throw std::runtime_error(
+                         "Can't connect to the server: this client can't read the credentials file yet.");
+                   },
+                   [&](UICmd::ReplaySelectedRecording const& replay) {
+                     outcome.transition = transition::ReplayRecording{replay.index};
+                   },
+                   [&](UICmd::RefreshRecordings const&) { RefreshRecordings(shared, directory); },
+                   [&](UICmd::PlayTutorial const& play) {
+                     shared.tutorialProgress.attempts[play.level] += 1;
+                     SaveTutorialProgress(directory, shared.tutorialProgress);
+                     outcome.transition = transition::PlayTutorial{play.level};
+                   },
+                   [&](UICmd::SkipTutorial const& skip) {
+                     shared.tutorialProgress.status[skip.level] = TutorialProgress::kSkipped;
+                     SaveTutorialProgress(directory, shared.tutorialProgress);
+                   },
+                   [&](UICmd::QuitToDesktop const&) { quit = true; },
+                   [](auto const&) {},
+               },
+               command.value);
+  }
+}
+
+// The in-game commands of a local game or a replay. A replay keeps the result only if it was taken at
+// the expected end, or if there is no expected end.
+template <class GameState>
+void LocalGamePass(GameState& state, std::vector<UICmd> const& commands, CommandOutcome& outcome) {
+  auto leave = [&] {
+    GameResult result;
+    state.game->getGameResult(result);
+    bool keep = true;
+    if constexpr (std::is_same_v<GameState, mainloop::ReplayState>) {
+      keep = !state.hasExpectedEnd || result.endFrame == state.expectedEndFrame;
+    }
+    if (keep) {
+      outcome.result = std::move(result);
+    }
+    outcome.leave = true;
+  };
+  for (UICmd const& command : commands) {
+    std::visit(Overloaded{
+                   [&](UICmd::ReturnToLobbyAfterGameEnd const&) { leave(); },
+                   [&](UICmd::AbandonGame const&) { leave(); },
+                   [&](UICmd::EndGameEarly const&) { state.game->endGameNow(); },
+                   [&](UICmd::InjectGameOrder const& inject) { state.game->injectOrder(inject.order); },
+                   [](auto const&) {},
+               },
+               command.value);
+  }
+}
+
+// The lobby's commands need the lobby client, which this client doesn't have yet: a connected state
+// can't be entered, and were one entered, its lobby commands would fail clearly instead of vanishing.
+void ConnectedPass(std::vector<UICmd> const& commands, CommandOutcome& outcome) {
+  auto noLobby = [](auto const&) {
+    throw std::runtime_error("Lobby commands can't be carried out: this client has no lobby client yet.");
+  };
+  for (UICmd const& command : commands) {
+    std::visit(Overloaded{
+                   [&](UICmd::DisconnectFromServer const&) { outcome.disconnect = true; },
+                   [&](UICmd::MoveToGameRoom const& c) { noLobby(c); },
+                   [&](UICmd::MoveToSlot const& c) { noLobby(c); },
+                   [&](UICmd::SetReadyState const& c) { noLobby(c); },
+                   [&](UICmd::StartGame const& c) { noLobby(c); },
+                   [&](UICmd::CreateGame const& c) { noLobby(c); },
+                   [&](UICmd::LeaveGameRoom const& c) { noLobby(c); },
+                   [&](UICmd::ChangeName const& c) { noLobby(c); },
+                   [&](UICmd::RequestRecording const& c) { noLobby(c); },
+                   [&](UICmd::MarkAllServerLogEntriesSeen const& c) { noLobby(c); },
+                   [](auto const&) {},
+               },
+               command.value);
+  }
+}
+
+}  // namespace
+
+template <class State>
+void ProcessUICommands(SDL3App& app, [[maybe_unused]] mainloop::SharedData& shared, [[maybe_unused]] State& state,
+                       std::vector<UICmd> const& commands, std::string const& directory, [[maybe_unused]] bool& quit,
+                       [[maybe_unused]] CommandOutcome& outcome) {
+  FirstPass(app, commands, directory);
+  if constexpr (std::is_same_v<State, mainloop::OfflineState>) {
+    OfflinePass(shared, commands, directory, quit, outcome);
+  } else if constexpr (std::is_same_v<State, mainloop::LocalGameState> || std::is_same_v<State, mainloop::ReplayState>) {
+    LocalGamePass(state, commands, outcome);
+  } else if constexpr (std::is_same_v<State, mainloop::ConnectedState>) {
+    ConnectedPass(commands, outcome);
+  }
+}
+
+template void ProcessUICommands(SDL3App&, mainloop::SharedData&, mainloop::OfflineState&, std::vector<UICmd> const&,
+                                std::string const&, bool&, CommandOutcome&);
+template void ProcessUICommands(SDL3App&, mainloop::SharedData&, mainloop::ConnectingState&,
+                                std::vector<UICmd> const&, std::string const&, bool&, CommandOutcome&);
+template void ProcessUICommands(SDL3App&, mainloop::SharedData&, mainloop::ConnectedState&, std::vector<UICmd> const&,
+                                std::string const&, bool&, CommandOutcome&);
+template void ProcessUICommands(SDL3App&, mainloop::SharedData&, mainloop::LocalGameState&,
+                                std::vector<UICmd> const&, std::string const&, bool&, CommandOutcome&);
+template void ProcessUICommands(SDL3App&, mainloop::SharedData&, mainloop::ReplayState&, std::vector<UICmd> const&,
+                                std::string const&, bool&, CommandOutcome&);

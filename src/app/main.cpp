@@ -1,0 +1,51 @@
+#include <argparse/argparse.hpp>
+
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "app/ChangeToExecutableDirectory.h"
+#include "app/ClientOptions.h"
+#include "app/MainLoop.h"
+#include "app/SDL3App.h"
+#include "ui/FatalErrorUI.h"
+#include "ui/InterfaceStyle.h"
+
+int main(int argc, char* argv[]) {
+  ChangeToExecutableDirectory();
+
+  argparse::ArgumentParser parser("client", "1.0");
+  AddClientOptions(parser);
+  try {
+    parser.parse_args(argc, argv);
+  } catch (std::exception const& error) {
+    std::cerr << error.what() << '\n' << parser.usage() << std::endl;
+    return 1;
+  }
+  std::string const ip = parser.get<std::string>("--ip");
+  auto const port = parser.get<unsigned short>("--server-base-port");
+  std::string const randomCredentialsDirectory = parser.get<std::string>("--random-credentials-from");
+
+  std::shared_ptr<SDL3App> app;
+  try {
+    app = std::make_shared<SDL3App>(1280, 720, false);
+  } catch (std::exception const& error) {
+    std::cerr << error.what() << std::endl;
+    return 1;
+  }
+  SetInterfaceStyle();
+  if (!parser.get<bool>("--start-windowed")) {
+    app->toggleFullScreen();
+  }
+
+  try {
+    MainLoop(app, ip, port, ".", randomCredentialsDirectory, nullptr, false);
+  } catch (std::exception const& error) {
+    std::cerr << "Fatal error: " << error.what() << std::endl;
+    FatalErrorUI(*app, error.what());
+    return 1;
+  }
+  return 0;
+}
