@@ -118,15 +118,14 @@ TEST(PlayerRatings, RefusedGamesLeaveNoTrace) {
     Rows rows;
     char const* line;
   };
+  char const* const unfit =
+      "Completed game's players, slots and results don't fit together, not updating ratings for this game.\n";
   std::vector<Case> const cases{
       {"repeated id", {IdOf(7), IdOf(8), IdOf(7)}, {0, 1, 2}, {{1}, {2}, {3}},
        "Completed game has duplicate player ids, not updating ratings for this game.\n"},
-      {"slot past the map", {IdOf(7), IdOf(8)}, {0, 9}, {{1}, {2}},
-       "Completed game's players, slots and results don't fit together, not updating ratings for this game.\n"},
-      {"more ids than slots", {IdOf(7), IdOf(8)}, {0}, {{1}, {2}},
-       "Completed game's players, slots and results don't fit together, not updating ratings for this game.\n"},
-      {"no rows", {IdOf(7), IdOf(8)}, {0, 1}, {},
-       "Completed game's players, slots and results don't fit together, not updating ratings for this game.\n"},
+      {"slot past the map", {IdOf(7), IdOf(8)}, {0, 9}, {{1}, {2}}, unfit},
+      {"more ids than slots", {IdOf(7), IdOf(8)}, {0}, {{1}, {2}}, unfit},
+      {"no rows", {IdOf(7), IdOf(8)}, {0, 1}, {}, unfit},
   };
   for (Case const& c : cases) {
     PlayerRatings table;
