@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "sim/KeyLookup.h"
 #include "sim/PlayerSlots.h"
 #include "sim/XXHashHasher.h"
 #include "glow_horde/Order.h"
@@ -40,11 +41,12 @@ GlowHordeSimulation::GlowHordeSimulation(SDL_Renderer* renderer, int localPlayer
       slots_(players), teams_(map.playerTeams) {
   compactExits(map);
 
-  int const toSpawn = settings.ints.at("number_to_spawn");
-  std::int64_t const spawnInterval = static_cast<std::int64_t>(settings.ints.at("spawn_interval_deciseconds")) * 100000;
+  auto setting = [&settings](std::string const& key) { return ValueAt(settings.ints, key); };
+  int const toSpawn = setting("number_to_spawn");
+  std::int64_t const spawnInterval = static_cast<std::int64_t>(setting("spawn_interval_deciseconds")) * 100000;
   ActivityAvailabilities availabilities;
   for (int a = 0; a < k_lemmingActivityCount; ++a) {
-    availabilities.counts[static_cast<std::size_t>(a)] = settings.ints.at(k_availabilityKeys[a]);
+    availabilities.counts[static_cast<std::size_t>(a)] = setting(k_availabilityKeys[a]);
   }
   players_.reserve(players.size());
   for (std::size_t p = 0; p < players.size(); ++p) {
@@ -65,7 +67,7 @@ GlowHordeSimulation::GlowHordeSimulation(SDL_Renderer* renderer, int localPlayer
     players_.emplace_back(setup);
   }
 
-  endFrame_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(settings.ints.at("duration_seconds")) * 1000000u /
+  endFrame_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(setting("duration_seconds")) * 1000000u /
                                          framePeriod);
 
   // The head start: the local player's units alone run delayFrames updates, with no exits.
