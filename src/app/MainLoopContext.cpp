@@ -256,11 +256,13 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
         GameResult result;
         unsigned char const* cursor = agreed->data();
         std::size_t remaining = agreed->size();
+        // A result too short to read gives neither an end nor anything to compare: the replay runs
+        // to its own end.
         if (FromBytes(cursor, remaining, result)) {
           next.hasExpectedEnd = true;
           next.expectedEndFrame = result.endFrame;
+          next.expectedResult = std::move(agreed);
         }
-        next.expectedResult = std::move(agreed);
       }
       next.delayFrames = spec.delayFrames;
       context.next_.emplace(std::move(next));
