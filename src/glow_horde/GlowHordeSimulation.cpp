@@ -1,6 +1,7 @@
 #include "glow_horde/GlowHordeSimulation.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "sim/KeyLookup.h"
 #include "sim/PlayerSlots.h"
@@ -113,10 +114,21 @@ GlowHordeSimulation::StepEvents GlowHordeSimulation::update(std::vector<std::vec
       events.localOrderAccepted = players_[local].giveOrder(*order);
     }
   }
+  // The other players' orders come from the network. Each is given at the same point of its player's
+  // game time on every client, where that player's list of units is the same, so an order that names
+  // no unit of the list, or a unit of another id, is refused alike by every client and the game stays
+  // in step: only a client that crafted it could have sent it.
   for (std::size_t p = 0; p < orders.size() && p < players_.size(); ++p) {
     if (p != local && !orders[p].empty()) {
       if (std::optional<Order> order = Order::decode(orders[p])) {
-        players_[p].giveOrder(*order);
+        if (players_[p].namesOneOfItsUnits(*order)) {
+          players_[p].giveOrder(*order);
+        } else {
+          std::fprintf(stderr, "Ignored an order of player %zu at frame %u: it names unit %u with id %u, which that "
+                               "player doesn't have\n",
+                       p, static_cast<unsigned>(frame_), static_cast<unsigned>(order->index_in_array_),
+                       static_cast<unsigned>(order->id_));
+        }
       }
     }
   }
