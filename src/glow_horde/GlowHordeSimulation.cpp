@@ -104,14 +104,30 @@ void GlowHordeSimulation::compactExits(MapSettings const& map) {
   }
 }
 
+namespace {
+
+void ReportIgnoredOrder(char const* kind, std::size_t player, std::uint32_t frame, Order const& order) {
+  std::fprintf(stderr, "Ignored %s order of player %zu at frame %u: it names unit %u with id %u, which that player "
+                       "doesn't have\n",
+               kind, player, static_cast<unsigned>(frame), static_cast<unsigned>(order.index_in_array_),
+               static_cast<unsigned>(order.id_));
+}
+
+}  // namespace
+
 GlowHordeSimulation::StepEvents GlowHordeSimulation::update(std::vector<std::vector<unsigned char>> const& orders,
-                                                            std::vector<unsigned char> const& ourOrder) {
+                                                            std::vector<unsigned char> const& ourOrder,
+                                                            OurOrderOrigin origin) {
   StepEvents events;
   auto const local = static_cast<std::size_t>(localPlayer_);
 
   if (!ourOrder.empty()) {
     if (std::optional<Order> order = Order::decode(ourOrder)) {
-      events.localOrderAccepted = players_[local].giveOrder(*order);
+      if (origin == OurOrderOrigin::Recorded && !players_[local].namesOneOfItsUnits(*order)) {
+        ReportIgnoredOrder("a recorded", local, frame_, *order);
+      } else {
+        events.localOrderAccepted = players_[local].giveOrder(*order);
+      }
     }
   }
   // The other players' orders come from the network. Each is given at the same point of its player's
@@ -124,10 +140,7 @@ GlowHordeSimulation::StepEvents GlowHordeSimulation::update(std::vector<std::vec
         if (players_[p].namesOneOfItsUnits(*order)) {
           players_[p].giveOrder(*order);
         } else {
-          std::fprintf(stderr, "Ignored an order of player %zu at frame %u: it names unit %u with id %u, which that "
-                               "player doesn't have\n",
-                       p, static_cast<unsigned>(frame_), static_cast<unsigned>(order->index_in_array_),
-                       static_cast<unsigned>(order->id_));
+          ReportIgnoredOrder("an", p, frame_, *order);
         }
       }
     }

@@ -1,8 +1,10 @@
 // A player whose client sends crafted orders (a unit place past the end of its list, or a real place
 // with another unit's id) must not end anyone's game: every other client ignores those orders alike,
-// with one line on the standard error stream each, and all clients end byte-equal.
+// with one line on the standard error stream each, and all clients end byte-equal. A replay of the
+// recorded game, seated as that player, ignores them too and reproduces the same result.
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -11,8 +13,13 @@
 
 #include "net/GameRecordsWire.h"
 #include "sim/Games.h"
+#include "sim/IRunningGame.h"
+#include "sim/Recording.h"
+#include "sim/ReplayOrderSource.h"
+#include "sim/UpdateSimulation.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/Order.h"
+#include "support/HeadlessApp.h"
 
 namespace {
 
@@ -20,7 +27,7 @@ using Bytes = std::vector<unsigned char>;
 using Orders = std::vector<Bytes>;
 
 constexpr int kDelay = 12;
-constexpr std::size_t kHostile = 2;
+constexpr std::size_t kHostile = 0;  // the seat a replay takes
 
 IGame const& GlowHorde() {
   static Games const games;
@@ -52,13 +59,26 @@ Bytes Crafted(GlowHordeSimulation const& client, std::mt19937& random) {
   return Order{place, id, activity, LemmingActivityTrigger::Immediate}.toBytes();
 }
 
-Bytes ResultBytes(GlowHordeSimulation const& simulation) {
+template <class Game>
+Bytes ResultBytes(Game const& game) {
   GameResult result;
-  simulation.getGameResult(result);
+  game.getGameResult(result);
   Bytes bytes;
   ToBytes(result, bytes);
   return bytes;
 }
+
+// A step's update as the server collates it: a length byte and the bytes, for each player.
+Bytes Collated(Orders const& tick) {
+  Bytes update;
+  for (Bytes const& order : tick) {
+    update.push_back(static_cast<unsigned char>(order.size()));
+    update.insert(update.end(), order.begin(), order.end());
+  }
+  return update;
+}
+
+using GlowHordeHostileOrders = HeadlessAppTest;
 
 int CountLines(std::string const& text, std::string const& start) {
   int count = 0;
@@ -68,7 +88,7 @@ int CountLines(std::string const& text, std::string const& start) {
 
 }  // namespace
 
-TEST(GlowHordeHostileOrders, CraftedOrdersOfAnotherPlayerAreIgnoredAlikeAndTheGameStaysInStep) {
+TEST_F(GlowHordeHostileOrders, CraftedOrdersOfAnotherPlayerAreIgnoredAlikeAndTheGameStaysInStep) {
   GameSettings settings = DefaultSettingsFromSchema(GlowHorde().schema);
   settings.strings["map"] = "Mosh pit";
   settings.ints["duration_seconds"] = 8;
@@ -114,8 +134,8 @@ TEST(GlowHordeHostileOrders, CraftedOrdersOfAnotherPlayerAreIgnoredAlikeAndTheGa
   ASSERT_GT(crafted, 100);
   ASSERT_GT(genuine, 10);
   // Each crafted order was refused by both other clients, with one line each.
-  EXPECT_EQ(CountLines(errors, "Ignored an order of player 2 at frame "), 2 * crafted);
-  EXPECT_EQ(CountLines(errors, "Ignored an order of player "), 2 * crafted);
+  EXPECT_EQ(CountLines(errors, "Ignored an order of player 0 at frame "), 2 * crafted);
+  EXPECT_EQ(CountLines(errors, "Ignored "), 2 * crafted);
   // Genuine orders of all three took effect somewhere.
   for (std::size_t p = 0; p < clients.size(); ++p) {
     auto const& left = clients.front()->players()[p].availabilities().counts;
@@ -129,4 +149,64 @@ TEST(GlowHordeHostileOrders, CraftedOrdersOfAnotherPlayerAreIgnoredAlikeAndTheGa
       EXPECT_EQ(clients[c]->playerDigest(p), clients.front()->playerDigest(p)) << "client " << c << " player " << p;
     }
   }
+}
+
+TEST_F(GlowHordeHostileOrders, AReplaySeatedAsTheCraftingPlayerIgnoresItsOrdersAndReproducesTheGame) {
+  GameSettings settings = DefaultSettingsFromSchema(GlowHorde().schema);
+  settings.strings["map"] = "Cauldrons";
+  settings.ints["duration_seconds"] = 6;
+  settings.ints["number_to_spawn"] = 15;
+  settings.ints["spawn_interval_deciseconds"] = 3;
+  std::vector<unsigned short> const slots = {2, 0};
+  std::vector<std::unique_ptr<GlowHordeSimulation>> clients;
+  for (int c = 0; c < 2; ++c) {
+    clients.push_back(std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, kDelay, settings,
+                                                            GlowHorde().maps.at("Cauldrons"), slots));
+  }
+  std::mt19937 random(7);
+  std::deque<Bytes> updatesNewestFirst;
+  std::vector<Orders> ticks;
+  int crafted = 0;
+  int genuine = 0;
+  testing::internal::CaptureStderr();
+  while (!clients.front()->gameEnded()) {
+    std::size_t const k = clients.front()->frame() - kDelay;
+    ticks.emplace_back(clients.size());
+    Orders ours(clients.size());
+    for (std::size_t c = 0; c < clients.size(); ++c) {
+      if (clients[c]->gameEnded_LocalPlayer()) continue;
+      if (c == kHostile && random() % 2 == 0) {
+        ticks[k][c] = Crafted(*clients[c], random);
+        crafted += 1;
+      } else if (random() % 6 == 0) {
+        ticks[k][c] = ours[c] = Genuine(*clients[c], random);
+        genuine += ours[c].empty() ? 0 : 1;
+      }
+    }
+    updatesNewestFirst.push_front(Collated(ticks[k]));
+    for (std::size_t c = 0; c < clients.size(); ++c) {
+      clients[c]->update(k >= kDelay ? ticks[k - kDelay] : Orders(clients.size()), ours[c]);
+    }
+  }
+  GameResults results;
+  results.playerSlots = slots;
+  Recording const recording(updatesNewestFirst, results);
+
+  // The replay: a whole session from the catalogue in the crafting player's seat, stepped as the main
+  // loop steps it, with the recording as its order source.
+  std::unique_ptr<IRunningGame> replay =
+      GlowHorde().startSession(app_, 0, 16666, kDelay, settings, slots, false);
+  ReplayOrderSource source(recording, 0, static_cast<int>(slots.size()), kDelay);
+  int stalled = 0;
+  while (!replay->gameEnded()) {
+    ASSERT_TRUE(UpdateSimulation(*replay, source, stalled));
+  }
+  std::string const errors = testing::internal::GetCapturedStderr();
+
+  ASSERT_GT(crafted, 50);
+  ASSERT_GT(genuine, 10);
+  EXPECT_EQ(CountLines(errors, "Ignored an order of player 0 at frame "), crafted);            // by client 1
+  EXPECT_EQ(CountLines(errors, "Ignored a recorded order of player 0 at frame "), crafted);    // by the replay
+  EXPECT_EQ(ResultBytes(*clients[1]), ResultBytes(*clients[0]));
+  EXPECT_EQ(ResultBytes(*replay), ResultBytes(*clients[0]));
 }
