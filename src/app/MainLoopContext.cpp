@@ -8,6 +8,7 @@
 
 #include "net/GameRecordsWire.h"
 #include "sim/IGame.h"
+#include "sim/KeyLookup.h"
 #include "app/IUICommandSource.h"
 #include "sim/LocalOnlyOrderSource.h"
 #include "app/ProcessUICommands.h"
@@ -249,6 +250,13 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
       GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
       mainloop::ReplayState next;
       next.players = recording.results.playerSlots;
+      // A damaged or crafted file may name any number of players; a session needs one at least, and
+      // no more than the map has places for.
+      std::uint16_t const places = game.maxPlayersForMap(ValueAt(settings.strings, std::string("map")));
+      if (next.players.empty() || next.players.size() > places) {
+        throw std::runtime_error(fmt::format("The recording names {} players, but its map has places for 1 to {}.",
+                                             next.players.size(), places));
+      }
       next.game = game.startSession(context.app, 0, kFramePeriod, spec.delayFrames, settings, next.players, false);
       next.orderSource = std::make_unique<ReplayOrderSource>(recording, 0, static_cast<int>(next.players.size()),
                                                              static_cast<int>(spec.delayFrames));

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fmt/format.h>
+
 #include <deque>
 #include <memory>
 
@@ -206,6 +208,21 @@ TEST_F(MainLoopContextTest, ARecordingWhoseAgreedResultDoesntReadReplaysToItsEnd
   source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
   EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }), "no error");
   EXPECT_EQ(context->stateIndex(), 0u);
+}
+
+TEST_F(MainLoopContextTest, ARecordingWithNoPlayersOrMoreThanItsMapHoldsIsRefusedClearly) {
+  auto context = create();
+  // The first challenge is on a map of four places.
+  GameResults results;
+  results.specBytes = testbytes::Encode(GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1});
+  for (std::vector<unsigned short> const& slots : {std::vector<unsigned short>{}, std::vector<unsigned short>(5, 0)}) {
+    results.playerSlots = slots;
+    context->shared.recordings.assign(1, Recording(std::deque<std::vector<unsigned char>>{}, results));
+    source.frames = {{UICmd::ReplaySelectedRecording{0}}};
+    EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }),
+              fmt::format("The recording names {} players, but its map has places for 1 to 4.", slots.size()));
+    EXPECT_EQ(context->stateIndex(), 0u);
+  }
 }
 
 TEST_F(MainLoopContextTest, ReplayingARecordingThatIsntThereIsAClearError) {
