@@ -2,7 +2,10 @@
 
 #include <imgui.h>
 
+#include <algorithm>
 #include <ctime>
+#include <utility>
+#include <variant>
 #include <exception>
 #include <map>
 #include <string>
@@ -22,7 +25,6 @@ ImVec4 SlotColour(std::size_t slot) {
 
 // The reports that are there, and whether any two of them differ.
 struct ReportSummary {
-  std::vector<std::vector<unsigned char>> const* first = nullptr;
   int count = 0;
   bool disagree = false;
   std::vector<unsigned char> const* firstReport = nullptr;
@@ -247,7 +249,9 @@ void ShowGameSettings(IGame const& game, GameSpec const& spec) {
   OrangeLabel("Map:");
   ImGui::TextUnformatted(map.c_str());
   OrangeLabel("Allowed player counts:");
-  for (int count = spec.minPlayers; count <= spec.maxPlayers; ++count) {
+  // A count from a file is shown in full only up to the largest room there can be.
+  int const last = std::min<int>(spec.maxPlayers, spec.minPlayers + 15);
+  for (int count = spec.minPlayers; count <= last; ++count) {
     ImGui::SameLine();
     ImGui::Text("%d", count);
   }
