@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "accounts/CredentialsPicker.h"
 #include "accounts/CredentialsString.h"
 #include "app/IAppState.h"
 #include "net/GameRecordsWire.h"
@@ -209,6 +210,16 @@ NextPage CredentialsSetupPage(OfflineUIState& state, IAppState const& app, std::
     CentredText(std::string("If you have a credentials.bin file, use the following button to open a file browser "
                             "to load these credentials:"),
                 ImGuiColours::grey);
+    if (CentredButton("Find credentials file")) {
+      RequestCredentialsFile();
+    }
+    // The dialog's answer may come on another thread; it is taken here once. A cancelled or failed pick
+    // changes nothing on the page: SDL's log has the reason.
+    if (ConsumeCredentialsPickResult() == kCredentialsPickLoaded) {
+      if (std::optional<Credentials> picked = ConsumePickedCredentials()) {
+        commands.emplace_back(UICmd::SetCredentials{std::move(*picked)});
+      }
+    }
   }
   ui::SeparatorLine();
   if (CentredButton("Back to main menu")) {
