@@ -249,13 +249,13 @@ void ShowGameSettings(IGame const& game, GameSpec const& spec) {
   OrangeLabel("Map:");
   ImGui::TextUnformatted(map.c_str());
   OrangeLabel("Allowed player counts:");
-  // A count from a file is shown in full only up to the largest room there can be.
+  // A count from a file is listed in full only up to the largest room there can be.
+  std::string counts;
   int const last = std::min<int>(spec.maxPlayers, spec.minPlayers + 15);
   for (int count = spec.minPlayers; count <= last; ++count) {
-    ImGui::SameLine();
-    ImGui::Text("%d", count);
+    counts += (counts.empty() ? "" : " ") + std::to_string(count);
   }
-  ImGui::NewLine();
+  ImGui::TextUnformatted(counts.c_str());
   OrangeLabel("Delay frames:");
   ImGui::Text("%d", static_cast<int>(spec.delayFrames));
   OrangeLabel("Game duration (in seconds):");
