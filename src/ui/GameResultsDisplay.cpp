@@ -253,7 +253,10 @@ void ShowGameSettings(IGame const& game, GameSpec const& spec) {
   std::string counts;
   int const last = std::min<int>(spec.maxPlayers, spec.minPlayers + 15);
   for (int count = spec.minPlayers; count <= last; ++count) {
-    counts += (counts.empty() ? "" : " ") + std::to_string(count);
+    if (!counts.empty()) {
+      counts += ' ';
+    }
+    counts += std::to_string(count);
   }
   ImGui::TextUnformatted(counts.c_str());
   OrangeLabel("Delay frames:");
