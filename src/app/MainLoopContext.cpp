@@ -2,11 +2,18 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
+#include <cstdio>
+#include <set>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <type_traits>
 
 #include "net/GameRecordsWire.h"
+#include "net/LobbyRecordsWire.h"
+#include "sim/RecordingFiles.h"
+#include "sim/RecordingOrderSource.h"
 #include "sim/IGame.h"
 #include "sim/KeyLookup.h"
 #include "app/IUICommandSource.h"
@@ -201,7 +208,49 @@ void MainLoopContext::leaveLocalGame(mainloop::LocalGameState& local, CommandOut
     shared.tutorialProgress.status[local.tutorialLevel] = TutorialProgress::kCompleted;
     SaveTutorialProgress(storageDirectory, shared.tutorialProgress);
   }
+  if (recordLocalGames && outcome.result) {
+    saveLocalGameRecording(local, *outcome.result);
+  }
   next_.emplace(mainloop::OfflineState{});
+}
+
+void MainLoopContext::saveLocalGameRecording(mainloop::LocalGameState const& local, GameResult const& result) const {
+  auto const* recorder = dynamic_cast<RecordingOrderSource const*>(local.orderSource.get());
+  if (recorder == nullptr) {
+    return;
+  }
+  GameSpec spec;
+  spec.game = Game::GlowHorde;
+  spec.settings = TutorialLevelSettings(shared.games.refGame(Game::GlowHorde).schema, local.tutorialLevel);
+  spec.delayFrames = kTutorialDelayFrames;
+  spec.minPlayers = 1;
+  spec.maxPlayers = 1;
+  GameResults results;
+  ToBytes(spec, results.specBytes);
+  results.finished = true;
+  results.timestampMs = static_cast<unsigned long long>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now().time_since_epoch())
+          .count());
+  results.playerIds.assign(local.players.size(), std::vector<unsigned char>(8, 0));
+  results.playerNames.assign(local.players.size(), "Player");
+  results.playerSlots = local.players;
+  results.reportedResults.assign(local.players.size(), {});
+  ToBytes(result, results.reportedResults[static_cast<std::size_t>(local.localPlayer)]);
+
+  // The recording is given newest first, as a server collects it.
+  std::deque<std::vector<unsigned char>> newestFirst(recorder->updates().rbegin(), recorder->updates().rend());
+  Recording const recording(newestFirst, results);
+  std::filesystem::path const directory = std::filesystem::path(storageDirectory) / "recordings";
+  std::filesystem::create_directories(directory);
+  std::set<unsigned short> const taken = RecordingNumbersInDirectory(directory.string());
+  unsigned number = 1;
+  while (taken.count(static_cast<unsigned short>(number)) != 0) {
+    ++number;
+  }
+  std::string const path = (directory / ("recording" + std::to_string(number) + ".bin")).string();
+  recording.save(path);
+  std::printf("Saved the recording of the local game to %s\n", path.c_str());
+  std::fflush(stdout);
 }
 
 void MainLoopContext::leaveReplay(mainloop::ReplayState& replay, CommandOutcome const& outcome) {
@@ -284,6 +333,9 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
       next.game = glowHorde.startSession(context.app, 0, kFramePeriod, kTutorialDelayFrames, settings, next.players,
                                          false);
       next.orderSource = std::make_unique<LocalOnlyOrderSource>(1, 0, kTutorialDelayFrames);
+      if (context.recordLocalGames) {
+        next.orderSource = std::make_unique<RecordingOrderSource>(std::move(next.orderSource), kTutorialDelayFrames);
+      }
       next.tutorialLevel = play.level;
       context.next_.emplace(std::move(next));
     }

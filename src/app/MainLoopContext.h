@@ -51,6 +51,9 @@ public:
   std::string storageDirectory;
   IUICommandSource* commandSource = nullptr;
   bool noFramePacing = false;
+  // A driver's option: every local game is saved on leaving as a recording file in "recordings" of the
+  // storage directory, so that it can be replayed and proved like a recorded network game.
+  bool recordLocalGames = false;
 
 private:
   explicit MainLoopContext(std::shared_ptr<SDL3App> app);
@@ -72,6 +75,7 @@ private:
   void leaveLocalGame(mainloop::LocalGameState& local, CommandOutcome const& outcome);
   void leaveReplay(mainloop::ReplayState& replay, CommandOutcome const& outcome);
   void carryOut(transition::Any const& requested);
+  void saveLocalGameRecording(mainloop::LocalGameState const& local, GameResult const& result) const;
 
   std::vector<UICmd> commands_;            // the frame's commands; kept to reuse its storage
   std::optional<mainloop::State> next_;    // the state that the frame ends in, if it changes

@@ -142,6 +142,10 @@ std::string GlowHordeGame::formatResult(std::vector<long long> const& row, bool)
   if (row.empty() || row[0] == 0) {
     return "No hordelings exited";
   }
+  if (row.size() < 2) {
+    // A row from a recording or the server that lacks its time.
+    return fmt::format("{} exited", row[0]);
+  }
   double const averageSeconds = static_cast<double>(-row[1]) / 1000.0 / static_cast<double>(row[0]);
   return fmt::format("{} exited in average {:.1f} seconds", row[0], averageSeconds);
 }

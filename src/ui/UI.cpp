@@ -4,7 +4,9 @@
 
 #include "sim/Games.h"
 #include "app/IAppState.h"
-#include "ui/BannerAndVersion.h"
+#include "sim/IRunningGame.h"
+#include "ui/InGameUI.h"
+#include "ui/OfflineUI.h"
 
 struct UI::State {
   OfflineUIState offline = CreateOfflineUIState();
@@ -19,28 +21,8 @@ UI::~UI() = default;
 OfflineUIState& UI::offlineState() { return state_->offline; }
 LobbyUIState& UI::lobbyState() { return state_->lobby; }
 
-namespace {
 
-constexpr ImGuiWindowFlags kFullWindowFlags =
-    ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoScrollbar |
-    ImGuiWindowFlags_NoCollapse | ImGuiWindowFlags_NoSavedSettings | ImGuiWindowFlags_NoBringToFrontOnFocus |
-    ImGuiWindowFlags_NoNavFocus;
-
-// The offline screen as far as it goes in this client: the banner and the version. The main menu's
-// buttons come with the offline pages.
-void ShowOfflineScreen(SDL_Texture* banner) {
-  ImGuiViewport const* viewport = ImGui::GetMainViewport();
-  ImGui::SetNextWindowPos(viewport->Pos);
-  ImGui::SetNextWindowSize(viewport->Size);
-  if (ImGui::Begin("MainMenu", nullptr, kFullWindowFlags)) {
-    ShowBannerAndVersion(banner);
-  }
-  ImGui::End();
-}
-
-}  // namespace
-
-void UI::show(IAppState const& state, SDL_Texture* banner, std::vector<UICmd>&) {
+void UI::show(IAppState const& state, SDL_Texture* banner, std::vector<UICmd>& commands) {
   Games const& games = state.games();
   std::vector<GameSettings>& customSettings = state_->lobby.customSettings;
   if (customSettings.size() < games.size()) {
@@ -51,10 +33,24 @@ void UI::show(IAppState const& state, SDL_Texture* banner, std::vector<UICmd>&) 
 
   int const mode = state.mode();
   if (mode == 0) {
-    ShowOfflineScreen(banner);
+    RenderOfflineUI(state_->offline, banner, state, commands);
+  } else if (state.isInGame()) {
+    GameData const& data = state.gameData();
+    if (data.game != nullptr) {
+      std::optional<GameResult> result;
+      if (state.isGameEnded()) {
+        result.emplace();
+        state.getCurrentGameResult(*result);
+      }
+      unsigned short const local = static_cast<unsigned short>(data.localPlayer < 0 ? 0 : data.localPlayer);
+      if (state.isConnected()) {
+        ShowInGameUI(*data.game, data.players, local, data.disconnected, data.stalledFrames, result, commands);
+      } else {
+        ShowInGameUI(*data.game, data.players, local, result, commands);
+      }
+    }
   }
-  // Modes 1 and 2 get the lobby pages and modes 3 to 5 the in-game overlays, once those pages exist;
-  // until then a connected or playing client shows only what its state draws itself.
+  // Modes 1 and 2 get the lobby pages once this client has a lobby connection.
 
   if (state.isConnected()) {
     ResetOfflineUIState(state_->offline);

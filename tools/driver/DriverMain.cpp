@@ -89,6 +89,9 @@ int main(int argc, char* argv[]) {
       .flag()
       .help("Run at the client's steady 60 frames a second with vertical sync, so that a person at a real "
             "window can play what the script starts");
+  parser.add_argument("--record-local-games")
+      .flag()
+      .help("Save every local game on leaving it as a recording file in \"recordings\" of the storage directory");
   parser.add_argument("--list-verbs").flag().help("Print the script language and exit");
   try {
     parser.parse_args(argc, argv);
@@ -154,6 +157,7 @@ int main(int argc, char* argv[]) {
     SetInterfaceStyle();
     std::unique_ptr<MainLoopContext> context =
         MainLoopContext::Create(app, "127.0.0.1", 6567, storage, "", &source, !paced);
+    context->recordLocalGames = parser.get<bool>("--record-local-games");
     while (!context->quit && !source.finished() && frames < maxFrames) {
       context->runOneFrame(false);
       ++frames;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <vector>
+
+#include "sim/Game.h"
+#include "sim/GameResults.h"
+#include "sim/GameSpec.h"
+
+class IAppState;
+class IGame;
+
+// The list of played games: date, type, status and players, one selectable row each. A click on a row
+// sets selectedRow.
+void ShowGameResultsTable(std::vector<GameResults> const& games, int& selectedRow);
+
+// The players of one game and what they reported: the agreed result, or the disagreement.
+void ShowGameResults(IAppState const& state, Game game, GameResults const& results);
+
+// The settings of a game: its kind, map, player counts, delay, duration, the orders of Glow Horde and
+// the teams of the map. Settings that the game doesn't know are shown as unknown, never looked up blindly.
+void ShowGameSettings(IGame const& game, GameSpec const& spec);
+
+// The status text of a played game in the table: "Running", "No results", "Desynch or disagreement" or
+// "Completed".
+char const* GameResultsStatus(GameResults const& results);
