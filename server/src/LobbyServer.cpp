@@ -88,7 +88,8 @@ std::deque<std::vector<unsigned char>> DecodeChunksNewestFirst(std::vector<unsig
 
 }  // namespace
 
-LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage) : host_(host), storage_(storage) {
+LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts)
+    : host_(host), storage_(storage), timeouts_(timeouts) {
   nextGame_ = storage_.gameCount();
   std::uint32_t const first = nextGame_ > kResultsSent ? nextGame_ - kResultsSent : 0;
   for (auto& [number, results] : storage_.loadGames(first, kResultsSent)) {
@@ -278,9 +279,9 @@ void LobbyServer::refuse(unsigned short player, std::string const& text) {
 void LobbyServer::tick(std::int64_t nowMs) {
   std::vector<std::pair<ConnectionId, char const*>> expired;
   for (auto const& [id, connection] : connections_) {
-    if (connection.stage != Stage::Lobby && nowMs - connection.connectedMs > kLoginTimeoutMs) {
+    if (connection.stage != Stage::Lobby && nowMs - connection.connectedMs > timeouts_.loginMs) {
       expired.emplace_back(id, "login timed out");
-    } else if (connection.stage == Stage::Lobby && nowMs - connection.lastHeardMs > kKeepAliveTimeoutMs) {
+    } else if (connection.stage == Stage::Lobby && nowMs - connection.lastHeardMs > timeouts_.keepAliveMs) {
       expired.emplace_back(id, "nothing heard for too long");
     }
   }

@@ -13,6 +13,14 @@
 #include "ServerStorage.h"
 #include "net/LobbyState.h"
 
+// How long the lobby waits for a connection.
+struct LobbyTimeouts {
+  // A connection must have logged in this long after it opened.
+  std::int64_t loginMs = 10000;
+  // The client sends something at least every 5 seconds; three missed intervals end the connection.
+  std::int64_t keepAliveMs = 15000;
+};
+
 // The lobby of the server: the login of each connection, the players and rooms, the start and end of
 // games with their relays, names, results and recordings. It speaks in whole messages (type byte and
 // body) and reaches the world only through IServerHost, so everything here runs on one thread and
@@ -22,9 +30,6 @@ public:
   static constexpr std::uint32_t kProtocolVersion = 1003;
   // The longest message a client may send; anything longer is a protocol violation.
   static constexpr std::size_t kMaxClientMessage = 64 * 1024;
-  static constexpr std::int64_t kLoginTimeoutMs = 10000;
-  // The client sends something at least every 5 seconds; three missed intervals end the connection.
-  static constexpr std::int64_t kKeepAliveTimeoutMs = 15000;
   static constexpr std::size_t kMaxNameLength = 32;
   static constexpr std::size_t kMaxDescriptionLength = 100;
   static constexpr std::size_t kMaxSpecLength = 4096;
@@ -35,7 +40,7 @@ public:
   static constexpr unsigned short kFirstPortOffset = 2;
   static constexpr unsigned short kMaxRunningGames = 200;
 
-  LobbyServer(IServerHost& host, IServerStorage& storage);
+  LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts = {});
   ~LobbyServer();
 
   void onConnect(ConnectionId connection, std::int64_t nowMs);
@@ -133,6 +138,7 @@ private:
 
   IServerHost& host_;
   IServerStorage& storage_;
+  LobbyTimeouts timeouts_;
   std::map<ConnectionId, Connection> connections_;
   LobbyState lobby_;
   std::vector<std::optional<ConnectionId>> connectionOf_;  // by player number; absent for a gone player

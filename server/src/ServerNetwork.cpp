@@ -10,12 +10,12 @@ constexpr auto kTickInterval = std::chrono::milliseconds(100);
 }
 
 ServerNetwork::ServerNetwork(asio::io_context& io, IServerStorage& storage, std::string const& bindAddress,
-                             unsigned short basePort)
+                             unsigned short basePort, LobbyTimeouts timeouts)
     : io_(io),
       bindAddress_(asio::ip::make_address(bindAddress)),
       acceptor_(io),
       timer_(io),
-      lobby_(*this, storage) {
+      lobby_(*this, storage, timeouts) {
   asio::ip::tcp::endpoint const endpoint(bindAddress_, basePort);
   acceptor_.open(endpoint.protocol());
   acceptor_.set_option(asio::ip::tcp::acceptor::reuse_address(true));

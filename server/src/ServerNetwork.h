@@ -25,7 +25,7 @@ public:
   static constexpr std::size_t kMaxQueuedOutput = 64u * 1024u * 1024u;
 
   ServerNetwork(asio::io_context& io, IServerStorage& storage, std::string const& bindAddress,
-                unsigned short basePort);
+                unsigned short basePort, LobbyTimeouts timeouts = {});
   ~ServerNetwork() override;
 
   unsigned short basePort() const { return basePort_; }

@@ -7,6 +7,7 @@
 #include <argparse/argparse.hpp>
 #include <asio.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -66,6 +67,10 @@ int ServeCommand(int argc, char** argv) {
   parser.add_argument("--web-port").default_value(-1).scan<'i', int>().help(
       "the website's TCP port (default: base port + 1; 0: any free port)");
   parser.add_argument("--no-website").flag().help("serve no website");
+  parser.add_argument("--login-timeout-ms").default_value(10000).scan<'i', int>().help(
+      "close a connection that hasn't logged in after this long");
+  parser.add_argument("--keep-alive-timeout-ms").default_value(15000).scan<'i', int>().help(
+      "close a logged-in connection that has sent nothing for this long");
   parser.parse_args(argc, argv);
 
   int const basePort = parser.get<int>("--base-port");
@@ -77,7 +82,10 @@ int ServeCommand(int argc, char** argv) {
   auto storage = OpenStorage(parser.get<std::string>("--data"));
   std::string const bind = parser.get<std::string>("--bind");
   asio::io_context io;
-  ServerNetwork network(io, *storage, bind, static_cast<unsigned short>(basePort));
+  LobbyTimeouts timeouts;
+  timeouts.loginMs = std::max(100, parser.get<int>("--login-timeout-ms"));
+  timeouts.keepAliveMs = std::max(100, parser.get<int>("--keep-alive-timeout-ms"));
+  ServerNetwork network(io, *storage, bind, static_cast<unsigned short>(basePort), timeouts);
 
   std::unique_ptr<Website> website;
   if (!parser.get<bool>("--no-website")) {
