@@ -11,6 +11,9 @@
 #include "net/LobbyRecordsWire.h"
 #include "sim/Recording.h"
 #include "net/ServerInfo.h"
+#include "net/GameDataPacket.h"
+#include "net/LobbyMessages.h"
+#include "net/MessageFramer.h"
 
 namespace {
 
@@ -95,6 +98,60 @@ void Write(std::filesystem::path const& directory, std::string const& target, st
   }
 }
 
+// Lobby messages, each as the server or the client writes it (type byte first).
+std::vector<Bytes> Messages() {
+  using namespace LobbyMessages;
+  return {EncodeVersion(1003),
+          EncodeConnectionResponse({true, {1, 2, 3, 4}}),
+          EncodeAuthRequest({{1, 2, 3, 4, 5, 6, 7, 8}, 99}),
+          EncodeAuthResponse({true, "", ServerInfo{12, 3}, 1}),
+          EncodeAuthResponse({false, "refused", {}, 0}),
+          EncodeLobbyState(Lobby()),
+          EncodeMoveToGameRoom(1),
+          EncodeCreateGame({"room", Encode(Spec(CoopChallengeIndex{1})), 1, 4, true}),
+          EncodeGameStart(0x1122334455667788ull),
+          EncodeRunningGameState(Running()),
+          EncodeGameEnd(Result()),
+          EncodeGameResults(3, {Results(), Results()}),
+          EncodePlayerNames({{{1, 2, 3, 4, 5, 6, 7, 8}, "Name"}, {{2}, ""}}),
+          EncodeChangeName("Name"),
+          EncodeServerError({false, "room full"}),
+          EncodeKeepAlive(),
+          EncodeRequestRecording(3),
+          EncodeRecordingData({3, RecordingFile({{1, 'b', 0}})})};
+}
+
+// A server's side of a session: the login answers, then the lobby's messages, framed.
+Bytes ServerStream() {
+  using namespace LobbyMessages;
+  Bytes stream;
+  for (Bytes const& message :
+       {EncodeVersion(1003), EncodeConnectionResponse({true, {5, 6}}), EncodeAuthResponse({true, "", {}, 1}),
+        EncodeLobbyState(Lobby()), EncodeGameStart(42), EncodeRunningGameState(Running()),
+        EncodeGameResults(0, {Results()}), EncodePlayerNames({{{1}, "A"}}), EncodeServerError({false, "x"}),
+        EncodeRecordingData({2, {1, 2}})}) {
+    Bytes const frame = SocketPlatform::MakeFrame(message);
+    stream.insert(stream.end(), frame.begin(), frame.end());
+  }
+  return stream;
+}
+
+Bytes Packet(std::uint64_t newest, std::uint64_t receivedBefore, std::vector<Bytes> updates) {
+  Bytes bytes;
+  GameDataPacket{newest, receivedBefore, std::move(updates)}.to_wire(bytes);
+  return bytes;
+}
+
+// Datagrams each behind a length byte, as the update stream target reads them.
+Bytes Datagrams(std::vector<Bytes> const& datagrams) {
+  Bytes bytes;
+  for (Bytes const& datagram : datagrams) {
+    bytes.push_back(static_cast<unsigned char>(datagram.size()));
+    bytes.insert(bytes.end(), datagram.begin(), datagram.end());
+  }
+  return bytes;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -127,5 +184,13 @@ int main(int argc, char** argv) {
   Write(out, "server_info", {serverInfo});
   Write(out, "recording", {RecordingFile({{1, 'b', 0}, {1, 'a', 2, 'x', 'y'}}), RecordingFile({})});
   Write(out, "split_server_data", {Bytes{3, 2, 'A', 'B', 0, 1, 'C'}, Bytes{2, 1, 'x', 0}});
+  Write(out, "lobby_messages", Messages());
+  Write(out, "lobby_client", {ServerStream()});
+  Write(out, "tcp_framing", {Prefixed(7, ServerStream()), Prefixed(0, SocketPlatform::MakeFrame(Bytes{}))});
+  auto const request = Datagram::EncodeSessionRequest(77);
+  Write(out, "game_data_packet", {Packet(2, 1, {{1, 'a', 0, 0}, {1, 'b', 0, 0}, {}}), Packet(0, 0, {}),
+                                  Bytes(request.begin(), request.end())});
+  Write(out, "update_stream", {Datagrams({Packet(0, 0, {{1, 'a', 0, 0}}), Packet(1, 1, {{0, 0, 0}, {1, 'a', 0, 0}}),
+                                          Packet(1, 0, {{}, {}}), Bytes{2}})});
   return 0;
 }
