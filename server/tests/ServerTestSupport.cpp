@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <regex>
 #include <stdexcept>
@@ -72,8 +73,13 @@ std::string FreshDirectory(std::string const& name) {
   return path.string();
 }
 
+std::string ServerPath() {
+  char const* chosen = std::getenv("TANDEM_SERVER");
+  return chosen != nullptr && *chosen != 0 ? chosen : TANDEM_SERVER_PATH;
+}
+
 Credentials MintWithCommand(std::string const& dataDirectory, std::string const& name) {
-  std::string const command = std::string(TANDEM_SERVER_PATH) + " account add '" + name + "' --data '" +
+  std::string const command = ServerPath() + " account add '" + name + "' --data '" +
                               dataDirectory + "' 2>/dev/null";
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) {
@@ -105,7 +111,7 @@ ServerProcess::ServerProcess(std::string dataDirectory, std::vector<std::string>
   // The server's output goes to a file beside its data directory, so that it never blocks on a pipe.
   std::string const logPath = dataDirectory_ + ".log";
   int const logFd = open(logPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  std::vector<std::string> arguments = {TANDEM_SERVER_PATH, "--base-port", "0", "--web-port", "0",
+  std::vector<std::string> arguments = {ServerPath(), "--base-port", "0", "--web-port", "0",
                                         "--bind", "127.0.0.1", "--data", dataDirectory_};
   arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
   pid_ = fork();

@@ -26,6 +26,9 @@ void Vec(Bytes& out, Bytes const& bytes);
 std::uint64_t ReadU64(Bytes const& bytes, std::size_t at);
 std::uint16_t ReadU16(Bytes const& bytes, std::size_t at);
 
+// The server under test: $TANDEM_SERVER if set (for instance a sanitizer build), else the one built
+// beside these tests.
+std::string ServerPath();
 std::string FreshDirectory(std::string const& name);
 // Runs "tandem-server account add NAME --data DIR" and decodes the string it prints.
 Credentials MintWithCommand(std::string const& dataDirectory, std::string const& name);
