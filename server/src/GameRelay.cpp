@@ -1,0 +1,104 @@
+#include "GameRelay.h"
+
+#include <algorithm>
+
+GameRelay::GameRelay(std::vector<std::uint64_t> tokens, std::int64_t nowMs)
+    : tokens_(std::move(tokens)), seats_(tokens_.size()), stream_(static_cast<int>(tokens_.size())) {
+  for (Seat& seat : seats_) {
+    seat.lastHeardMs = nowMs;
+  }
+}
+
+void GameRelay::handleDatagram(Endpoint const& from, unsigned char const* data, std::size_t length,
+                               std::int64_t nowMs, Output& out) {
+  if (length == 0) {
+    return;
+  }
+  std::uint64_t token = 0;
+  if (Datagram::DecodeSessionRequest(data, length, token)) {
+    for (std::size_t player = 0; player < tokens_.size(); ++player) {
+      if (tokens_[player] == token && !stream_.dropped[player]) {
+        // The token is the player's secret for this game: whoever shows it is that player, also
+        // from a new address after a change of network.
+        seats_[player].endpoint = from;
+        seats_[player].lastHeardMs = nowMs;
+        auto const confirmation = Datagram::EncodeSessionConfirmation();
+        out.datagrams.emplace_back(from, std::vector<unsigned char>(confirmation.begin(), confirmation.end()));
+        return;
+      }
+    }
+    return;
+  }
+  if (data[0] != Datagram::kGameData) {
+    return;
+  }
+  for (std::size_t player = 0; player < seats_.size(); ++player) {
+    if (seats_[player].endpoint == from && !stream_.dropped[player]) {
+      seats_[player].lastHeardMs = nowMs;
+      stream_.handle_game_packet(data, length, static_cast<int>(player));
+      collateAndSend(out);
+      return;
+    }
+  }
+}
+
+void GameRelay::collateAndSend(Output& out) {
+  std::uint64_t const before = stream_.next_tick;
+  stream_.collate();
+  std::uint64_t const built = stream_.next_tick - before;
+  if (built > 0) {
+    // Every live player's send queue has the new ticks at its front, newest first.
+    for (int player = 0; player < stream_.endpointCount; ++player) {
+      if (!stream_.dropped[player]) {
+        auto const fresh = stream_.send_queues[player].entries_after_newest(0, static_cast<std::size_t>(built));
+        relayed_.insert(relayed_.end(), fresh.rbegin(), fresh.rend());
+        break;
+      }
+    }
+  }
+  sendPending(out);
+}
+
+void GameRelay::sendPending(Output& out) {
+  stream_.discard_acknowledged();
+  struct Transport {
+    GameRelay& relay;
+    Output& out;
+    bool send_packet(int peer, unsigned char const* data, std::size_t length) {
+      auto const& endpoint = relay.seats_[static_cast<std::size_t>(peer)].endpoint;
+      if (endpoint) {
+        out.datagrams.emplace_back(*endpoint, std::vector<unsigned char>(data, data + length));
+      }
+      return true;
+    }
+  } transport{*this, out};
+  stream_.send_updates(transport);
+}
+
+void GameRelay::tick(std::int64_t nowMs, Output& out) {
+  for (std::size_t player = 0; player < seats_.size(); ++player) {
+    // A player the game waits for, silent for too long, has gone. A player that is silent because
+    // everything it sent is confirmed isn't holding anyone up and stays.
+    if (!stream_.dropped[player] && stream_.receive_queues[player].empty() &&
+        nowMs - seats_[player].lastHeardMs > kSilenceLimitMs) {
+      stream_.drop_player(static_cast<int>(player));
+      out.dropped.push_back(static_cast<int>(player));
+    }
+  }
+  if (!out.dropped.empty()) {
+    collateAndSend(out);
+  } else {
+    sendPending(out);
+  }
+}
+
+void GameRelay::dropPlayer(int player, Output& out) {
+  if (player >= 0 && player < stream_.endpointCount && !stream_.dropped[player]) {
+    stream_.drop_player(player);
+    collateAndSend(out);
+  }
+}
+
+bool GameRelay::isDropped(int player) const {
+  return player < 0 || player >= stream_.endpointCount || stream_.dropped[player];
+}
