@@ -4,7 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "vipers/InterimFixedPoint.h"
+#include "aviators/AviatorCoord.h"
+#include "aviators/IntegerSqrt.h"
 
 // Food of the Vipers game: where a new item goes, and whether a head's step reaches one. Both exact in
 // integers, so that every client feeds the same head at the same frame.

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "present/Renderer.h"
-
 namespace {
 
 using Point = Vec2<AviatorCoord>;
@@ -190,17 +188,4 @@ bool Tail::checkSelfCollision(Point to) const {
   std::int64_t const dy = d.y;
   // Straight back into the first segment, which the test above skipped.
   return dx * uy == dy * ux && dx * ux + dy * uy < 0;
-}
-
-void RenderTail(std::deque<Point> const& points, float radius, Renderer const& renderer) {
-  if (points.size() == 1) {
-    renderer.renderCircle(static_cast<float>(points[0].x) / 256.0f, static_cast<float>(points[0].y) / 256.0f,
-                          radius);
-    return;
-  }
-  for (std::size_t i = 1; i < points.size(); ++i) {
-    renderer.renderSweptCircle(static_cast<float>(points[i - 1].x) / 256.0f,
-                               static_cast<float>(points[i - 1].y) / 256.0f, static_cast<float>(points[i].x) / 256.0f,
-                               static_cast<float>(points[i].y) / 256.0f, radius);
-  }
 }

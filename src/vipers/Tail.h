@@ -3,9 +3,8 @@
 #include <cstdint>
 #include <deque>
 
-#include "vipers/InterimFixedPoint.h"
-
-class Renderer;
+#include "aviators/AviatorCoord.h"
+#include "aviators/IntegerSqrt.h"
 
 // The trail behind a head: a polyline in 1/256 pixel, newest point at the front. It grows at the head
 // and is cut back at the far end to its target length. Integer arithmetic only.
@@ -64,7 +63,3 @@ private:
   std::deque<Box> boxes_;
   std::int64_t backBlock_ = 0;
 };
-
-// Draws a tail as swept circles between neighbouring points (one circle for a single point), in the
-// colour that the caller has set.
-void RenderTail(std::deque<Vec2<AviatorCoord>> const& points, float radius, Renderer const& renderer);
