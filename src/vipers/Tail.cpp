@@ -157,16 +157,22 @@ bool Tail::checkCollision_Internal(Point from, Point to, bool skipFirstSegment) 
     }
     std::int64_t const first = std::max(block << kBlockShift, lowestId);
     std::int64_t const last = std::min((block << kBlockShift) + (1 << kBlockShift) - 1, highestId);
-    for (std::int64_t id = first; id <= last; ++id) {
-      std::size_t const k = static_cast<std::size_t>(frontId_ - id);
-      Point const p = points_[k - 1];
-      Point const q = points_[k];
-      if (Side(p, from, to) * Side(q, from, to) > 0) {
-        continue;
-      }
-      if (Side(from, p, q) * Side(to, p, q) <= 0) {
+    // Segments k from frontId_ - last to frontId_ - first, walked from the newer end: each point's side
+    // of the query line is taken once.
+    auto point = points_.begin() + static_cast<std::ptrdiff_t>(frontId_ - last - 1);
+    Point p = *point;
+    std::int64_t const side0 = a * (static_cast<std::int64_t>(p.x) - from.x) + b * (static_cast<std::int64_t>(p.y) - from.y);
+    int sideP = (side0 > 0) - (side0 < 0);
+    for (std::int64_t n = last - first; n >= 0; --n) {
+      ++point;
+      Point const q = *point;
+      std::int64_t const v = a * (static_cast<std::int64_t>(q.x) - from.x) + b * (static_cast<std::int64_t>(q.y) - from.y);
+      int const sideQ = (v > 0) - (v < 0);
+      if (sideP * sideQ <= 0 && Side(from, p, q) * Side(to, p, q) <= 0) {
         return true;
       }
+      p = q;
+      sideP = sideQ;
     }
   }
   return false;
