@@ -38,13 +38,9 @@ Games const& TheGames() {
   return games;
 }
 
-std::unique_ptr<VipersSimulation> MakeGame(int players, std::uint8_t delay) {
+std::unique_ptr<VipersSimulation> MakeGame(std::vector<unsigned short> const& slots, std::uint8_t delay) {
   IGame const& game = TheGames().refGame(Game::Vipers);
   GameSettings settings = DefaultSettingsFromSchema(game.schema);
-  std::vector<unsigned short> slots;
-  for (int i = 0; i < players; ++i) {
-    slots.push_back(static_cast<unsigned short>(i));
-  }
   return std::make_unique<VipersSimulation>(nullptr, 0, k_framePeriod, delay, settings,
                                             game.maps.at(settings.strings.at("map")), slots);
 }
@@ -71,7 +67,7 @@ Tail MeanderingTail(std::mt19937& random, P start, int width, int height) {
 }
 
 void BM_VipersUpdate_FourHeadsLongestTails(benchmark::State& state) {
-  auto simulation = MakeGame(4, 15);
+  auto simulation = MakeGame({0, 1, 2, 3}, 15);
   std::mt19937 random(11);
   int const width = simulation->world().width();
   int const height = simulation->world().height();
@@ -109,27 +105,30 @@ void BM_VipersUpdate_FourHeadsLongestTails(benchmark::State& state) {
 }
 BENCHMARK(BM_VipersUpdate_FourHeadsLongestTails);
 
-// A whole default game of four players at a delay of 15, each changing its keys now and then, with
-// the orders routed as a local game routes them: each player's order reaches the shared state 15 frames
-// after it was given.
-void BM_VipersWholeDefaultGame(benchmark::State& state) {
+// A whole default game at a delay of 15, each player changing its keys now and then, with the orders
+// routed as a local game routes them: each player's order reaches the shared state 15 frames after it
+// was given. Four players in all slots (opposite corners face each other along one diagonal, so those
+// heads meet on one line at once and die), and two in neighbouring corners, who play on.
+void BM_VipersWholeDefaultGame(benchmark::State& state, std::vector<unsigned short> const& slots) {
+  std::size_t const players = slots.size();
   double worst = 0.0;
   double worstCpu = 0.0;
   double simulated = 0.0;
   double spent = 0.0;
   double spentCpu = 0.0;
+  double aliveFrames = 0.0;
   for (auto _ : state) {
     state.PauseTiming();
-    auto simulation = MakeGame(4, 15);
+    auto simulation = MakeGame(slots, 15);
     std::mt19937 random(5);
-    std::vector<std::vector<std::vector<unsigned char>>> given(4);
-    std::vector<std::vector<unsigned char>> orders(4);
+    std::vector<std::vector<std::vector<unsigned char>>> given(players);
+    std::vector<std::vector<unsigned char>> orders(players);
     state.ResumeTiming();
     auto const gameStart = Clock::now();
     double const gameStartCpu = ThreadMicroseconds();
     int step = 0;
     while (!simulation->gameEnded()) {
-      for (std::size_t i = 0; i < 4; ++i) {
+      for (std::size_t i = 0; i < players; ++i) {
         std::vector<unsigned char> order;
         if (!simulation->gameEnded_LocalPlayer() && random() % 20 == 0) {
           order = {static_cast<unsigned char>(random() % 16)};
@@ -147,13 +146,21 @@ void BM_VipersWholeDefaultGame(benchmark::State& state) {
     spent += std::chrono::duration<double>(Clock::now() - gameStart).count();
     spentCpu += (ThreadMicroseconds() - gameStartCpu) / 1e6;
     simulated += static_cast<double>(step) * static_cast<double>(k_framePeriod) / 1e6;
-    benchmark::DoNotOptimize(simulation->heads().data());
+    for (ViperHead const& head : simulation->heads()) {
+      aliveFrames += static_cast<double>(head.deathFrame.value_or(static_cast<std::int32_t>(simulation->frame())) - 15);
+    }
   }
   state.counters["x_real_time_wall"] = simulated / spent;
   state.counters["x_real_time_cpu"] = simulated / spentCpu;
   state.counters["worst_frame_wall_us"] = worst;
   state.counters["worst_frame_cpu_us"] = worstCpu;
+  state.counters["head_frames_alive"] = aliveFrames / static_cast<double>(state.iterations());
 }
-BENCHMARK(BM_VipersWholeDefaultGame)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_VipersWholeDefaultGame, four_players, std::vector<unsigned short>{0, 1, 2, 3})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+BENCHMARK_CAPTURE(BM_VipersWholeDefaultGame, two_neighbours, std::vector<unsigned short>{0, 2})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 }  // namespace

@@ -290,3 +290,25 @@ TEST_F(Arena, SettingsOutOfAnyRangeNeitherCrashNorOverflow) {
 }
 
 }  // namespace
+
+// On the game's map opposite slots start on one diagonal and fly along it toward each other, so their
+// first steps lie on one line, and segments on one line count as crossing even where they do not
+// overlap: both heads of each opposite pair die at the first frame. Neighbouring slots fly on.
+TEST(VipersSimulation, OppositeSlotsStartOnOneLineAndTheCollinearRuleTakesBothAtOnce) {
+  IGame const& game = TheGames().refGame(Game::Vipers);
+  GameSettings const settings = DefaultSettingsFromSchema(game.schema);
+  MapSettings const& map = game.maps.at("The Empty Berth");
+  VipersSimulation four(nullptr, 0, k_framePeriod, 15, settings, map, {0, 1, 2, 3});
+  VipersSimulation neighbours(nullptr, 0, k_framePeriod, 15, settings, map, {0, 2});
+  for (int f = 0; f < 25; ++f) {  // 100 pixels, short of the middle where their ways cross
+    four.update(Orders(4), {});
+    neighbours.update(Orders(2), {});
+  }
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(four.heads()[i].deathFrame, std::optional<std::int32_t>(15)) << i;
+  }
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_TRUE(neighbours.heads()[i].alive()) << i;
+    EXPECT_EQ(neighbours.tails()[i].points().size(), 2u);  // straight on: two points
+  }
+}

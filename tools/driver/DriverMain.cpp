@@ -65,15 +65,18 @@ std::optional<Game> LocalGameNamed(std::string const& name) {
 }
 
 // Puts the main loop into a local game of the given game on its default settings: this client is
-// player 0 in slot 0, the other players take the next slots and give no orders.
+// player 0 in slot 0, the other players give no orders. They take the slots in the order 2, 1, 3, so
+// that a game of two has neighbouring corners: on the ship games' map opposite corners face each other
+// along one diagonal.
 void StartLocalGame(MainLoopContext& context, Game which, int players) {
   constexpr unsigned long long kFramePeriod = 16666;
   constexpr unsigned char kDelayFrames = 15;
   IGame const& game = context.shared.games.refGame(which);
   GameSettings const settings = DefaultSettingsFromSchema(game.schema);
   mainloop::LocalGameState local;
+  constexpr std::uint16_t kSlotOrder[4] = {0, 2, 1, 3};
   for (int i = 0; i < players; ++i) {
-    local.players.push_back(static_cast<std::uint16_t>(i));
+    local.players.push_back(kSlotOrder[i]);
   }
   local.game = game.startSession(context.app, 0, kFramePeriod, kDelayFrames, settings, local.players, false);
   local.orderSource = std::make_unique<LocalOnlyOrderSource>(players, 0, kDelayFrames);
