@@ -257,6 +257,38 @@ TEST_F(Arena, TheGameRunsToTheClockWithEveryHeadDeadAndReportsTimesOfDeath) {
   EXPECT_EQ(alive->shadow().body.position, shadow);
 }
 
+// The prediction is the shared head run delayFrames steps early on the same orders: bounces included,
+// the local head's shared position at step s + delay is where the prediction stood after step s.
+TEST_F(Arena, ThePredictionIsTheSharedHeadDelayFramesAhead) {
+  for (int const delay : {1, 15, 35}) {
+    auto simulation = make({0}, 0, delay, Settings({{"start_length", 300}}));
+    std::mt19937 random(static_cast<unsigned>(delay));
+    std::vector<std::vector<unsigned char>> given;
+    std::vector<P> predicted;
+    int bounces = 0;
+    for (int step = 0; step < 900 && simulation->heads()[0].alive(); ++step) {
+      std::vector<unsigned char> order;
+      if (random() % 10 == 0) {
+        order = {static_cast<unsigned char>(random() % 16)};
+      }
+      given.push_back(order);
+      Orders orders(1);
+      if (step >= delay) {
+        orders[0] = given[static_cast<std::size_t>(step - delay)];
+      }
+      simulation->update(orders, order);
+      predicted.push_back(simulation->shadow().body.position);
+      bounces += simulation->heads()[0].body.recoveryFrames == 2;
+      if (step >= delay && simulation->heads()[0].alive()) {
+        ASSERT_EQ(simulation->heads()[0].body.position, predicted[static_cast<std::size_t>(step - delay)])
+            << "delay " << delay << ", step " << step;
+      }
+    }
+    EXPECT_GT(predicted.size(), 300u);
+    EXPECT_GT(bounces, 0) << "the walls were never reached";
+  }
+}
+
 TEST_F(Arena, TheChecksumCoversTheHeadsButNotThePrediction) {
   auto a = make({0, 1}, 0, 15);
   auto b = make({0, 1}, 1, 15);
