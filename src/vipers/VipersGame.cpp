@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "vipers/RunningVipers.h"
 #include "world/EmptyBerthMap.h"
 #include "sim/SchemaEntries.h"
 
@@ -19,10 +20,14 @@ VipersGame::VipersGame(Private) {
   lookup.rankedMatches = EmptyBerthRankedMatches(schema);
 }
 
-std::unique_ptr<IRunningGame> VipersGame::startSession(std::shared_ptr<SDL3App>, int, unsigned long long,
-                                                       unsigned char, GameSettings const& settings,
-                                                       std::vector<unsigned short> const&, bool) const {
-  refuseSession(settings, "Vipers");
+std::unique_ptr<IRunningGame> VipersGame::startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+                                                       unsigned long long framePeriod, unsigned char delayFrames,
+                                                       GameSettings const& settings,
+                                                       std::vector<unsigned short> const& players,
+                                                       bool debugTools) const {
+  MapSettings const map = mapFor(settings);
+  return std::make_unique<RunningVipers>(shared_from_this(), std::move(app), localPlayer, framePeriod, delayFrames,
+                                         settings, map, players, debugTools);
 }
 
 std::string VipersGame::formatResult(std::vector<long long> const& row, bool) const {

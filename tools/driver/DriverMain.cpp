@@ -14,9 +14,11 @@
 #include "app/ChangeToExecutableDirectory.h"
 #include "DriverScript.h"
 #include "app/MainLoopContext.h"
+#include "app/MainLoopStates.h"
 #include "app/QZAssert.h"
 #include "app/SDL3App.h"
 #include "ScriptCommandSource.h"
+#include "sim/LocalOnlyOrderSource.h"
 #include "app/TestLog.h"
 #include "UICmdFromText.h"
 #include "ui/InterfaceStyle.h"
@@ -49,6 +51,36 @@ bool ParseWindowSize(std::string const& text, int& width, int& height) {
     return false;
   }
   return width >= 64 && width <= 8192 && height >= 64 && height <= 8192;
+}
+
+// The ship games that --local-game can start, by the name given on the command line.
+std::optional<Game> LocalGameNamed(std::string const& name) {
+  if (name == "aviators") {
+    return Game::Aviators;
+  }
+  if (name == "vipers") {
+    return Game::Vipers;
+  }
+  return std::nullopt;
+}
+
+// Puts the main loop into a local game of the given game on its default settings: this client is
+// player 0 in slot 0, the other players give no orders. They take the slots in the order 2, 1, 3, so
+// that a game of two has neighbouring corners: on the ship games' map opposite corners face each other
+// along one diagonal.
+void StartLocalGame(MainLoopContext& context, Game which, int players) {
+  constexpr unsigned long long kFramePeriod = 16666;
+  constexpr unsigned char kDelayFrames = 15;
+  IGame const& game = context.shared.games.refGame(which);
+  GameSettings const settings = DefaultSettingsFromSchema(game.schema);
+  mainloop::LocalGameState local;
+  constexpr std::uint16_t kSlotOrder[4] = {0, 2, 1, 3};
+  for (int i = 0; i < players; ++i) {
+    local.players.push_back(kSlotOrder[i]);
+  }
+  local.game = game.startSession(context.app, 0, kFramePeriod, kDelayFrames, settings, local.players, false);
+  local.orderSource = std::make_unique<LocalOnlyOrderSource>(players, 0, kDelayFrames);
+  context.state = std::move(local);
 }
 
 void PrintVerbs() {
@@ -92,6 +124,13 @@ int main(int argc, char* argv[]) {
   parser.add_argument("--record-local-games")
       .flag()
       .help("Save every local game on leaving it as a recording file in \"recordings\" of the storage directory");
+  parser.add_argument("--local-game")
+      .default_value(std::string())
+      .help("Start in a local game of aviators or vipers on its default settings, as player 0");
+  parser.add_argument("--local-players")
+      .default_value(2)
+      .scan<'i', int>()
+      .help("Players of the local game, 1 to 4; all but the first give no orders");
   parser.add_argument("--list-verbs").flag().help("Print the script language and exit");
   try {
     parser.parse_args(argc, argv);
@@ -114,6 +153,18 @@ int main(int argc, char* argv[]) {
   if (!ParseWindowSize(parser.get<std::string>("--window"), windowWidth, windowHeight)) {
     std::cerr << "The window size must be WIDTHxHEIGHT, each from 64 to 8192, not \"" << parser.get<std::string>("--window")
               << "\".\n" << parser.usage() << std::endl;
+    return kUsage;
+  }
+  std::string const localGameName = parser.get<std::string>("--local-game");
+  std::optional<Game> const localGame = LocalGameNamed(localGameName);
+  int const localPlayers = parser.get<int>("--local-players");
+  if (!localGameName.empty() && !localGame) {
+    std::cerr << "The local game must be aviators or vipers, not \"" << localGameName << "\".\n" << parser.usage()
+              << std::endl;
+    return kUsage;
+  }
+  if (localPlayers < 1 || localPlayers > 4) {
+    std::cerr << "The local game has 1 to 4 players, not " << localPlayers << ".\n" << parser.usage() << std::endl;
     return kUsage;
   }
   if (scriptPath.empty()) {
@@ -158,6 +209,9 @@ int main(int argc, char* argv[]) {
     std::unique_ptr<MainLoopContext> context =
         MainLoopContext::Create(app, "127.0.0.1", 6567, storage, "", &source, !paced);
     context->recordLocalGames = parser.get<bool>("--record-local-games");
+    if (localGame) {
+      StartLocalGame(*context, *localGame, localPlayers);
+    }
     while (!context->quit && !source.finished() && frames < maxFrames) {
       context->runOneFrame(false);
       ++frames;

@@ -1,0 +1,23 @@
+#include "vipers/ShipMaps.h"
+
+#include <chrono>
+#include <iostream>
+
+#include "world/ChunkedWorld.h"
+
+ShipMaps BuildShipMaps(ChunkedWorld const& world, int localPlayer) {
+  ShipMaps maps;
+  maps.solid = CollisionMap(world.width(), world.height());
+  for (int y = 0; y < world.height(); ++y) {
+    for (int x = 0; x < world.width(); ++x) {
+      if (world.isGround(localPlayer, x, y)) {
+        maps.solid.set(x, y, true);
+      }
+    }
+  }
+  auto const start = std::chrono::steady_clock::now();
+  maps.body = maps.solid.expandByRadius(10);
+  std::chrono::duration<double> const took = std::chrono::steady_clock::now() - start;
+  std::cout << "expandByRadius took " << took.count() << " seconds" << std::endl;
+  return maps;
+}
