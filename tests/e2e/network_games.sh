@@ -119,6 +119,12 @@ def glicko(mu, phi, sigma, opponents):  # opponents: (mu, phi, score)
     new_phi = 1 / math.sqrt(1 / v + 1 / (phi ** 2 + new_sigma ** 2))
     return mu + new_phi ** 2 * d, new_phi, new_sigma
 
+# This computation first proves itself on the published worked example of the Glicko-2 rules.
+m, p, s = glicko(0.0, 200 / SCALE, 0.06, [((1400 - 1500) / SCALE, 30 / SCALE, 1.0),
+                                         ((1550 - 1500) / SCALE, 100 / SCALE, 0.0),
+                                         ((1700 - 1500) / SCALE, 300 / SCALE, 0.0)])
+assert (round(m * SCALE + 1500, 2), round(p * SCALE, 2), round(s, 6)) == (1464.05, 151.52, 0.059996), (m, p, s)
+
 tables = {"glow_horde": {}, "ships": {}}
 final = events("survivor", "game_results")
 assert [g["game"] for g in final] == [0, 1, 2, 3], final
@@ -174,4 +180,14 @@ for number in 0 1; do
     --log "$work/replay.jsonl" >"$work/out.txt" 2>"$work/err.txt" || fail "the replay of game $number failed"
   grep -q '"event":"replay_verification","matched":true' "$work/replay.jsonl" || fail "the replay of game $number was not verified"
 done
-echo "PASS: ranked and co-op network games agreed on every client, ratings match Glicko-2, a killed client was dropped, recordings replayed"
+# The server vanishing ends a connected client at the fatal error screen.
+run gone host alice.bin "$scripts/lobby_until_gone.txt"; gone=$!
+for _ in $(seq 300); do grep -q '^Authentication successful' "$work/gone.out" && break; sleep 0.1; done
+sleep 0.3
+kill "$server_pid"; wait "$server_pid" 2>/dev/null
+wait "$gone"; status=$?
+cp "$work/gone.out" "$work/out.txt"; cp "$work/gone.err" "$work/err.txt"
+[ "$status" -eq 1 ] && grep -q 'Fatal error at line 5 of the script: Disconnected from lobby server' "$work/gone.err" ||
+  fail "a client whose server vanished ended with status $status"
+
+echo "PASS: ranked and co-op network games agreed on every client, ratings match Glicko-2, a killed client was dropped, recordings replayed, a lost server was fatal"
