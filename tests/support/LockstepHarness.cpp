@@ -135,6 +135,7 @@ struct Client {
   std::mt19937_64 random;
   int stalledFrames = 0;
   std::map<std::string, std::vector<Recorded>> digests;
+  std::vector<std::string> partOrder;  // the parts in the order the adapter first gave them
   std::vector<std::string> dropped;
 };
 
@@ -146,7 +147,11 @@ public:
     if (at < 0) {
       return;
     }
-    std::vector<Recorded>& line = client_.digests[part];
+    auto [entry, added] = client_.digests.try_emplace(part);
+    if (added) {
+      client_.partOrder.push_back(part);
+    }
+    std::vector<Recorded>& line = entry->second;
     if (line.size() <= static_cast<std::size_t>(at)) {
       line.resize(static_cast<std::size_t>(at) + 1);
     }
@@ -294,7 +299,8 @@ LockstepReport Run(IGame const& game, LockstepAdapter const& adapter, LockstepGa
   }
   report.results = results.front().results;
   for (std::size_t c = 1; c < count; ++c) {
-    for (auto const& [part, line] : reference.digests) {
+    for (std::string const& part : reference.partOrder) {
+      std::vector<Recorded> const& line = reference.digests.at(part);
       auto const other = clients[c].digests.find(part);
       if (other == clients[c].digests.end()) {
         findings.push_back(fmt::format("client {} has no part \"{}\"", c, part));
