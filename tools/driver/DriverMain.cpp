@@ -16,6 +16,7 @@
 #include "app/MainLoopContext.h"
 #include "app/QZAssert.h"
 #include "app/SDL3App.h"
+#include "LocalAviatorsGame.h"
 #include "ScriptCommandSource.h"
 #include "app/TestLog.h"
 #include "UICmdFromText.h"
@@ -157,6 +158,10 @@ int main(int argc, char* argv[]) {
     while (!context->quit && !source.finished() && frames < maxFrames) {
       context->runOneFrame(false);
       ++frames;
+      if (std::optional<ScriptStep> request = source.takeLocalGameRequest()) {
+        // Between two frames, where the main loop itself changes state.
+        context->state = MakeLocalAviatorsGame(*context, *request);
+      }
     }
     bool const quitByProgram = context->quit;
     context.reset();
