@@ -76,6 +76,11 @@ public:
     return aviator.deathFrame.has_value() && static_cast<std::int64_t>(frame_) - *aviator.deathFrame > 44;
   }
 
+  // Direct access to the ships and missiles, for tests and tools that set up a situation by hand.
+  std::vector<Aviator>& editAviators() { return aviators_; }
+  Aviator& editShadow() { return shadow_; }
+  std::vector<Missile>& editMissiles() { return missiles_; }
+
   // The digest of the shared missiles, as the end-state checksum takes it (without the world).
   void hashMissiles(IHasher& hasher) const;
 
