@@ -401,9 +401,9 @@ void MainLoopContext::frame(mainloop::LocalGameState& local, bool skipRendering)
 void MainLoopContext::frame(mainloop::ReplayState& replay, bool skipRendering) { gameFrame(replay, 5, skipRendering); }
 
 void MainLoopContext::leaveLocalGame(mainloop::LocalGameState& local, CommandOutcome const& outcome) {
-  // A level counts as completed once at least one unit got out. Only a tutorial level counts: the
-  // driver can start local games of the other games too.
-  if (local.game->game().type() == Game::GlowHorde && outcome.result && !outcome.result->results.empty() && !outcome.result->results.front().empty() &&
+  // A level counts as completed once at least one unit got out. Local games of the other games (which
+  // only a driver starts) are no tutorial level.
+  if (local.game && local.game->game().type() == Game::GlowHorde && outcome.result && !outcome.result->results.empty() && !outcome.result->results.front().empty() &&
       outcome.result->results.front().front() >= 1) {
     shared.tutorialProgress.status[local.tutorialLevel] = TutorialProgress::kCompleted;
     SaveTutorialProgress(storageDirectory, shared.tutorialProgress);

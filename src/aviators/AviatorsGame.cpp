@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "aviators/RunningAviators.h"
 #include "world/EmptyBerthMap.h"
 #include "sim/SchemaEntries.h"
 
@@ -13,10 +14,14 @@ AviatorsGame::AviatorsGame(Private) {
   lookup.rankedMatches = EmptyBerthRankedMatches(schema);
 }
 
-std::unique_ptr<IRunningGame> AviatorsGame::startSession(std::shared_ptr<SDL3App>, int, unsigned long long,
-                                                         unsigned char, GameSettings const& settings,
-                                                         std::vector<unsigned short> const&, bool) const {
-  refuseSession(settings, "Aviators");
+std::unique_ptr<IRunningGame> AviatorsGame::startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+                                                         unsigned long long framePeriod, unsigned char delayFrames,
+                                                         GameSettings const& settings,
+                                                         std::vector<unsigned short> const& players,
+                                                         bool debugTools) const {
+  MapSettings const map = mapFor(settings);
+  return std::make_unique<RunningAviators>(shared_from_this(), std::move(app), localPlayer, framePeriod, delayFrames,
+                                           settings, map, players, debugTools);
 }
 
 std::string AviatorsGame::formatResult(std::vector<long long> const& row, bool isTeamResult) const {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Network games end to end: our server on loopback and headless drivers as its clients. Two players
-# play a ranked Glow Horde game, a ranked Vipers game and a Glow Horde co-op challenge, each to the
-# same end frame; then a Vipers game whose guest is killed mid-game. Every client must report
+# play a ranked Glow Horde game, a ranked Vipers game, a Glow Horde co-op challenge and a ranked
+# Aviators game, each to the same end frame; then a Vipers game whose guest is killed mid-game. Every client must report
 # byte-equal results that the server marks as agreed, every client must hold the same ratings, and
 # those ratings must be the ones that the Glicko-2 rules give, worked out here independently from the
 # reported results. The co-op result must be in every client's high score table, the killed player
@@ -43,7 +43,7 @@ check() {  # check NAME: the driver passed
 }
 
 phase=0
-for game in "glow_horde ranked 0" "vipers ranked 0" "glow_horde challenge 1"; do
+for game in "glow_horde ranked 0" "vipers ranked 0" "glow_horde challenge 1" "aviators ranked 0"; do
   set -- $game
   script host "$1" "$2" "$3" "$phase"
   script guest "$1" "$2" "$3" "$phase"
@@ -55,13 +55,13 @@ for game in "glow_horde ranked 0" "vipers ranked 0" "glow_horde challenge 1"; do
 done
 
 # A Vipers game whose guest dies mid-game.
-script survivor vipers ranked 0 3
-script guest vipers ranked 0 3
+script survivor vipers ranked 0 4
+script guest vipers ranked 0 4
 # The victim would play on far beyond the host's end; it is killed long before.
-sed -i 's/^wait_game_frame 600 20000$/wait_game_frame 1000000 1000000/' "$work/guest-3.txt"
-run survivor host alice.bin "$work/survivor-3.txt"; host=$!
+sed -i 's/^wait_game_frame 600 20000$/wait_game_frame 1000000 1000000/' "$work/guest-4.txt"
+run survivor host alice.bin "$work/survivor-4.txt"; host=$!
 # Without a timeout wrapper, so that $! is the driver itself; it is killed below in any case.
-bound="" run victim guest bob.bin "$work/guest-3.txt"; victim=$!
+bound="" run victim guest bob.bin "$work/guest-4.txt"; victim=$!
 for _ in $(seq 300); do grep -q '^Game started' "$work/victim.out" && break; sleep 0.1; done
 grep -q '^Game started' "$work/victim.out" || fail "the victim's game did not start"
 sleep 0.2
@@ -127,7 +127,7 @@ assert (round(m * SCALE + 1500, 2), round(p * SCALE, 2), round(s, 6)) == (1464.0
 
 tables = {"glow_horde": {}, "ships": {}}
 final = events("survivor", "game_results")
-assert [g["game"] for g in final] == [0, 1, 2, 3], final
+assert [g["game"] for g in final] == [0, 1, 2, 3, 4], final
 for game in final:
     assert game["finished"] and game["agreed"], game
     reports = [r for r in game["reports"].split(",") if r]
@@ -160,20 +160,20 @@ for name in ["survivor"]:
         for x, y in zip(values, got[key]):
             assert abs(x - y) < 1e-9 * max(1, abs(x)), (key, values, got[key])
 # The two clients of each game hold byte-equal reports and the same tables.
-for phase in range(3):
+for phase in range(4):
     assert events(f"host{phase}", "game_results") == events(f"guest{phase}", "game_results")
     assert logged(f"host{phase}") == logged(f"guest{phase}")
     assert events(f"host{phase}", "high_score") == events(f"guest{phase}", "high_score")
 challenge = [e for e in events("guest2", "high_score") if e["challenge"] == 1]
 assert [e["game"] for e in challenge] == [2], challenge
-killed = final[3]["reports"].split(",")
+killed = final[4]["reports"].split(",")
 assert killed[0] and not killed[1], "the killed player's report should be missing"
 print("ratings", {k: tuple(round(x, 6) for x in v) for k, v in expected.items()})
 PY
-grep -q "Player 1 dropped from game 3" "$work/server.log" || fail "the server didn't drop the killed player"
+grep -q "Player 1 dropped from game 4" "$work/server.log" || fail "the server didn't drop the killed player"
 
 # The recordings that the host downloaded replay to the reported results on a fresh client.
-for number in 0 1; do
+for number in 0 1 3; do
   rm -rf "$work/replay" && mkdir -p "$work/replay/recordings"
   cp "$work/host/recordings/recording$number.bin" "$work/replay/recordings/" || fail "recording $number was not downloaded"
   timeout 120 "$driver" --script "$scripts/../replay/replay_first_recording.txt" --storage "$work/replay" --window 320x200 \

@@ -19,6 +19,7 @@
 #include "app/MainLoopStates.h"
 #include "app/QZAssert.h"
 #include "app/SDL3App.h"
+#include "LocalAviatorsGame.h"
 #include "ScriptCommandSource.h"
 #include "sim/LocalOnlyOrderSource.h"
 #include "app/TestLog.h"
@@ -245,6 +246,10 @@ int main(int argc, char* argv[]) {
       // real time.
       if (!paced && (context->stateIndex() == 1 || context->stateIndex() == 2)) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      }
+      if (std::optional<ScriptStep> request = source.takeLocalGameRequest()) {
+        // Between two frames, where the main loop itself changes state.
+        context->state = MakeLocalAviatorsGame(*context, *request);
       }
     }
     bool const quitByProgram = context->quit;

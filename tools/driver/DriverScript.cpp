@@ -231,6 +231,24 @@ std::vector<Verb> const& Verbs() {
         "player of each ranking and one high_score event for each entry of each challenge's table."},
        0, 0,
        [](Words const&, ScriptStep& s) { s.kind = ScriptStep::Kind::LogLobby; }},
+      {{"play_aviators", "[SECONDS]",
+        "Starts a local Aviators game of one ship for the person at the window (W thrust, S brake, A and D "
+        "turn, L lock, Space fire), lasting SECONDS (default 180)."},
+       0, 1,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::LocalAviators;
+         s.number = !w.empty() ? Number(w[0], "SECONDS", 30) : 180;
+       }},
+      {{"duel_aviators", "SEED [SECONDS]",
+        "Starts a scripted duel of two Aviators clients joined by an in-process relay: the window shows "
+        "client 0; both pilots fly by the seed; at the end both clients' results must agree."},
+       1, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::LocalAviators;
+         s.duel = true;
+         s.seed = Number(w[0], "SEED", 0);
+         s.number = w.size() > 1 ? Number(w[1], "SECONDS", 30) : 180;
+       }},
       {{"quit", "", "Stops the driver here; the script has passed. Lines after it are not run."},
        0, 0,
        [](Words const&, ScriptStep& s) { s.kind = ScriptStep::Kind::Quit; }},

@@ -34,15 +34,18 @@ struct ScriptStep {
     WaitDisconnected,// wait until a player of the network game shows as disconnected
     LogLobby,        // write the played games, both rankings and the high scores to the test log
     Quit,            // stop here: the script has passed
+    LocalAviators,   // start a local Aviators game: alone, or a scripted duel of two clients
   };
 
   Kind kind = Kind::Frames;
   int line = 0;                     // in the script file, from 1
   std::string text;                 // the line as written, for messages
-  long long number = 0;             // frames, mode, frame counter, tutorial level or result row
+  long long number = 0;             // frames, mode, frame counter, tutorial level, result row or duration
   long long second = 0;             // tutorial status, or the least first value of a result row
   long long third = 0;              // tutorial attempts, or the greatest first value of a result row
   long long limit = 0;              // the frames that a wait may take
+  bool duel = false;                // of LocalAviators: two scripted clients instead of one person
+  long long seed = 0;               // of a duel: the pilots' seed
   std::string condition;            // of the condition steps
   std::optional<UICmd> command;     // of a command step
 };

@@ -374,6 +374,11 @@ void ScriptCommandSource::fillCommands(IAppState const& state, std::vector<UICmd
       ++next_;
       finished_ = true;
       return;
+
+    case Kind::LocalAviators:
+      localGameRequest_ = step;
+      ++next_;
+      return;
     }
   }
 }

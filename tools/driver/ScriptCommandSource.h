@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "DriverScript.h"
@@ -25,6 +26,12 @@ public:
   // The line of the step that runs next, or of the step that failed; 0 at the end.
   int currentLine() const;
   long long frames() const { return frames_; }
+  // A local Aviators game that the script asked for in the last frame, taken once.
+  std::optional<ScriptStep> takeLocalGameRequest() {
+    std::optional<ScriptStep> request = std::move(localGameRequest_);
+    localGameRequest_.reset();
+    return request;
+  }
 
 private:
   void fail(ScriptStep const& step, std::string const& reason);
@@ -35,4 +42,5 @@ private:
   long long frames_ = 0;      // frames seen in all
   bool finished_ = false;
   std::string failure_;
+  std::optional<ScriptStep> localGameRequest_;
 };
