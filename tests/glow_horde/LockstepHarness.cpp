@@ -112,9 +112,9 @@ Bytes RandomOrder(Client& client, LockstepGame const& game) {
   return bytes;
 }
 
-// An order from another player that doesn't name a unit of this client's copy of that player can
-// only mean that the clients have parted; the simulation would stop on it, so the harness notes it
-// and drops it instead. Bytes that are no order at all pass: the simulation ignores them.
+// Between honest clients, an order from another player that doesn't name a unit of this client's copy
+// of that player can only mean that the clients have parted (the simulation would ignore it, as it
+// does a crafted one), so the harness notes it as a finding. Bytes that are no order at all pass.
 bool NamesAUnitThatIsThere(PlayerState const& player, Bytes const& bytes) {
   std::optional<Order> const order = Order::decode(bytes);
   return !order.has_value() || (order->index_in_array_ < player.lemmings().size() &&
