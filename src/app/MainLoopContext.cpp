@@ -38,8 +38,8 @@ constexpr unsigned long long kFramePeriod = 16666;
 constexpr unsigned char kTutorialDelayFrames = 15;
 
 // Why a recorded game can't be played by this client, or nothing if it can: the recording names settings
-// that the game's tables don't have, a map it doesn't know, values outside the schema, or players that
-// don't fit the map. Recordings come from files and the network, so this is checked, never assumed.
+// that the game's tables don't have, a map it doesn't know, values outside the schema, or players whose
+// slots aren't the map's. Recordings come from files and the network, so this is checked, never assumed.
 std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const& spec,
                                                std::vector<std::uint16_t> const& players) {
   GameSettings const* settings = nullptr;
@@ -70,7 +70,6 @@ std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const
     }
   }
   std::size_t const slots = game.playerTeamsForMap(map->second).size();
-  if (players.empty() || players.size() > game.maxPlayersForMap(map->second)) return "its number of players doesn't fit the map";
   for (std::uint16_t slot : players) {
     if (slot >= slots) return "a player's slot isn't one of the map's";
   }

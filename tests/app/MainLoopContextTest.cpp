@@ -264,9 +264,7 @@ TEST_F(MainLoopContextTest, AHostileRecordingIsRefusedClearly) {
       {"a ranked match index past the table", GameSpec{Game::Aviators, RankedMatchIndex{999}, 15, 2, 2}, {0, 1}},
       {"custom settings without a map", GameSpec{Game::Vipers, noMap, 15, 1, 1}, {0}},
       {"custom settings with an unknown map", GameSpec{Game::GlowHorde, unknownMap, 15, 1, 1}, {0}},
-      {"no players", GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1}, {}},
       {"a slot the map doesn't have", GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1}, {9}},
-      {"more players than the map has", GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1}, {0, 1, 2, 3, 0, 1}},
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(c.what);
