@@ -21,8 +21,7 @@ if [ "${1:-}" = "--inner" ]; then
   fail() { echo "FAIL: $*"; shot "failure-$phase"; echo "--- client output"; cat "$work/client-$phase.txt"; exit 1; }
   # The number of pixels of colour $2 (as #RRGGBB) in the region $3 (WxH+X+Y) of the screen.
   count_colour() {
-    import -window root "$work/screen.png"
-    convert "$work/screen.png" -crop "$2" +repage txt:- 2>/dev/null | grep -ic "$1"
+    import -window root -crop "$2" -depth 8 txt:- 2>/dev/null | grep -ic "$1"
   }
   # Waits up to $3 seconds until the screen's region $2 shows colour $1.
   wait_colour() {
@@ -36,8 +35,7 @@ if [ "${1:-}" = "--inner" ]; then
   }
   # The mean position "x y" of colour $1 in the region given as width height x y.
   find_colour() {
-    import -window root "$work/screen.png"
-    convert "$work/screen.png" -crop "${2}x${3}+${4}+${5}" +repage txt:- 2>/dev/null | grep -i "$1" |
+    import -window root -crop "${2}x${3}+${4}+${5}" -depth 8 txt:- 2>/dev/null | grep -i "$1" |
       awk -v x0="$4" -v y0="$5" -F'[,:]' '{ sx += $1; sy += $2; n++ } END { if (n > 0) printf "%d %d\n", x0 + sx / n, y0 + sy / n }'
   }
 
