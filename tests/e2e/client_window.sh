@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The real client at a real (virtual) X display, driven by real mouse and keyboard events:
-#   1. at 1280x720: main menu -> "Glow Horde tutorial" -> "Play" -> dig down chosen by key (F5) and given by a
-#      click near the hordeling -> the level is won -> "Return to lobby" -> the tutorial page, level 1
-#      completed and level 2 unlocked, as progress.ini says; then "Recording replay" -> a Glow Horde
+#   1. at 1280x720: main menu ("Connect to server" disabled, with its tooltip) -> "Glow Horde tutorial" ->
+#      "Play" -> dig down chosen by key (F5) and given by a click near the hordeling -> the level is won ->
+#      "Return to lobby" -> the tutorial page, level 1 completed and level 2 unlocked, as progress.ini says; then "Recording replay" -> a Glow Horde
 #      recording made by the driver is selected, replayed to its end and proved -> back on the page;
 #   2. at 1920x1080: main menu -> "Credentials setup" -> a credentials string typed into the field is judged
 #      valid -> "Set credentials" -> "Credentials found", credentials.bin holds it -> the main menu offers
@@ -73,8 +73,12 @@ if [ "${1:-}" = "--inner" ]; then
 
   if [ "$phase" = tutorial ]; then
     shot 720-01-main-menu
+    # Without credentials "Connect to server" is disabled, with its tooltip, and a click on it does nothing.
+    click 640 507 0.6
+    shot 720-02-connect-disabled
+    [ "$(count_colour "#FFFFFF" 200x60+805+505)" -gt 0 ] || fail "the disabled \"Connect to server\" shows no tooltip"
     click 640 449
-    shot 720-02-tutorial-page
+    shot 720-02b-tutorial-page
     [ "$(count_colour "$green_text" 1280x600+0+60)" -eq 0 ] || fail "a fresh tutorial page shows a completed level"
     click 640 168 1
     # The hordeling drops onto the floor of the level's cave; dig down is chosen with its key and given
@@ -138,9 +142,9 @@ if [ "${1:-}" = "--inner" ]; then
     shot 1080-02-credentials-page
     click 960 209 0.3
     xdotool type --delay 30 "AQECAwQFBgcI EBESExQVFhcYGRobHB0eH4tl"
-    sleep 1.5
+    # The characters reach the field one a frame; the string is judged as it is typed.
+    wait_colour "$green_text" 1920x30+0+255 10 || fail "the typed string isn't judged valid"
     shot 1080-03-string-typed
-    [ "$(count_colour "$green_text" 1920x30+0+255)" -gt 0 ] || fail "the typed string isn't judged valid"
     click 960 288 1
     shot 1080-04-credentials-found
     [ "$(count_colour "$green_text" 1920x30+0+75)" -gt 0 ] || fail "the page doesn't say \"Credentials found\""
