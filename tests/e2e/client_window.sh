@@ -3,7 +3,8 @@
 #   1. at 1280x720: main menu ("Connect to server" disabled, with its tooltip) -> "Glow Horde tutorial" ->
 #      "Play" -> dig down chosen by key (F5) and given by a click near the hordeling -> the level is won ->
 #      "Return to lobby" -> the tutorial page, level 1 completed and level 2 unlocked, as progress.ini
-#      says; then "Recording replay" -> a Glow Horde recording made by the driver is selected, replayed to its end and proved -> back on the page;
+#      says; then "Recording replay" -> a Glow Horde recording made by the driver is selected, replayed
+#      to its end and proved -> back on the page;
 #   2. at 1920x1080: main menu -> "Credentials setup" -> a credentials string typed into the field is judged
 #      valid -> "Set credentials" -> "Credentials found", credentials.bin holds it -> the main menu offers
 #      "Connect to server" -> connecting ends at the fatal error screen with its sentence.
