@@ -23,6 +23,10 @@ class TandemClient {
 public:
   using Frame = std::vector<std::vector<unsigned char>>;
 
+  // Frames taken from the stream ahead of the simulation. A server keeps far below this; a server
+  // that runs ahead of it is left waiting in the stream, which then stops taking its data.
+  static constexpr std::size_t kMaxFramesReady = UDPDataStream::kMaxQueuedUpdates;
+
   // Opens the datagram socket to host:port and authenticates with the session token; blocks until
   // the server confirms. Throws std::runtime_error when the socket can't be opened or closes.
   TandemClient(std::string const& host, unsigned short port, int playerCount, int delayFrames,
@@ -103,7 +107,7 @@ private:
     stream_.discard_acknowledged();
     stream_.send_updates(transport_);
     checkOpen();
-    while (stream_.has_frame_update()) {
+    while (stream_.has_frame_update() && framesReady_.size() < kMaxFramesReady) {
       framesReady_.push_back(SplitServerData(stream_.get_next_frame_update(), playerCount_));
     }
     if (framesReady_.empty()) {
