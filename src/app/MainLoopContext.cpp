@@ -8,6 +8,7 @@
 
 #include "net/GameRecordsWire.h"
 #include "sim/IGame.h"
+#include "sim/KeyLookup.h"
 #include "app/IUICommandSource.h"
 #include "sim/LocalOnlyOrderSource.h"
 #include "app/ProcessUICommands.h"
@@ -249,6 +250,13 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
       GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
       mainloop::ReplayState next;
       next.players = recording.results.playerSlots;
+      // A damaged or crafted file may name any number of players; a session needs one at least, and
+      // no more than the map has places for.
+      std::uint16_t const places = game.maxPlayersForMap(ValueAt(settings.strings, std::string("map")));
+      if (next.players.empty() || next.players.size() > places) {
+        throw std::runtime_error(fmt::format("The recording names {} players, but its map has places for 1 to {}.",
+                                             next.players.size(), places));
+      }
       next.game = game.startSession(context.app, 0, kFramePeriod, spec.delayFrames, settings, next.players, false);
       next.orderSource = std::make_unique<ReplayOrderSource>(recording, 0, static_cast<int>(next.players.size()),
                                                              static_cast<int>(spec.delayFrames));
@@ -256,11 +264,13 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
         GameResult result;
         unsigned char const* cursor = agreed->data();
         std::size_t remaining = agreed->size();
+        // A result too short to read gives neither an end nor anything to compare: the replay runs
+        // to its own end.
         if (FromBytes(cursor, remaining, result)) {
           next.hasExpectedEnd = true;
           next.expectedEndFrame = result.endFrame;
+          next.expectedResult = std::move(agreed);
         }
-        next.expectedResult = std::move(agreed);
       }
       next.delayFrames = spec.delayFrames;
       context.next_.emplace(std::move(next));

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "accounts/CredentialsFile.h"
+#include "accounts/RandomCredentials.h"
 #include "sim/RecordingFiles.h"
 #include "app/SDL3App.h"
 
@@ -20,15 +22,23 @@ void FirstPass(SDL3App& app, std::vector<UICmd> const& commands, std::string con
   for (UICmd const& command : commands) {
     std::visit(Overloaded{
                    [&](UICmd::ClearCredentials const&) { fs::remove(fs::path(directory) / "credentials.bin"); },
-                   [&](UICmd::SetCredentials const&) {
-                     throw std::runtime_error(
-                         "Credentials can't be saved: this client has no writer for the credentials file yet.");
+                   [&](UICmd::SetCredentials const& set) {
+                     SaveCredentials(set.credentials, (fs::path(directory) / "credentials.bin").string());
                    },
                    [&](UICmd::ToggleFullScreen const&) { app.toggleFullScreen(); },
                    [](auto const&) {},
                },
                command.value);
   }
+}
+
+// The saved file is read first, so that it is needed even when a directory of test accounts replaces it.
+Credentials CredentialsForConnecting(mainloop::SharedData const& shared, std::string const& directory) {
+  Credentials credentials = LoadCredentials((fs::path(directory) / "credentials.bin").string());
+  if (!shared.randomCredentialsDirectory.empty()) {
+    credentials = LoadRandomCredentials(shared.randomCredentialsDirectory);
+  }
+  return credentials;
 }
 
 void RefreshRecordings(mainloop::SharedData& shared, std::string const& directory) {
@@ -47,8 +57,7 @@ void OfflinePass(mainloop::SharedData& shared, std::vector<UICmd> const& command
   for (UICmd const& command : commands) {
     std::visit(Overloaded{
                    [&](UICmd::ConnectToServer const&) {
-                     throw std::runtime_error(
-                         "Can't connect to the server: this client can't read the credentials file yet.");
+                     outcome.transition = transition::Connect{CredentialsForConnecting(shared, directory)};
                    },
                    [&](UICmd::ReplaySelectedRecording const& replay) {
                      outcome.transition = transition::ReplayRecording{replay.index};

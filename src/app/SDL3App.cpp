@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "app/CompositeCursorImage.h"
 #include "app/QZAssert.h"
 #include "present/SoundSystem.h"
 #include "present/TextureCache.h"
@@ -275,17 +276,9 @@ void SDL3App::loadCompositeCursor(char const* file, char const* overlayFile, Pos
   if (flipOverlay) {
     SDL_FlipSurface(overlay, SDL_FLIP_HORIZONTAL);
   }
-  SDL_Surface* composite = SDL_CreateSurface(std::max(base->w, overlay->w), base->h + overlay->h, SDL_PIXELFORMAT_ABGR8888);
+  SDL_Surface* composite = CompositeCursorImage(base, overlay);
   SDL_Cursor* cursor = nullptr;
   if (composite != nullptr) {
-    SDL_FillSurfaceRect(composite, nullptr, 0);
-    // The two images don't overlap: copy their pixels as they are rather than blending onto nothing.
-    SDL_SetSurfaceBlendMode(base, SDL_BLENDMODE_NONE);
-    SDL_SetSurfaceBlendMode(overlay, SDL_BLENDMODE_NONE);
-    SDL_Rect baseAt{0, 0, base->w, base->h};
-    SDL_BlitSurface(base, nullptr, composite, &baseAt);
-    SDL_Rect overlayAt{base->w - overlay->w, base->h, overlay->w, overlay->h};
-    SDL_BlitSurface(overlay, nullptr, composite, &overlayAt);
     cursor = SDL_CreateColorCursor(composite, hotspot.x, hotspot.y);
   }
   std::string const error = SDL_GetError();

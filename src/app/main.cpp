@@ -24,9 +24,7 @@ int main(int argc, char* argv[]) {
     std::cerr << error.what() << '\n' << parser.usage() << std::endl;
     return 1;
   }
-  std::string const ip = parser.get<std::string>("--ip");
-  auto const port = parser.get<unsigned short>("--server-base-port");
-  std::string const randomCredentialsDirectory = parser.get<std::string>("--random-credentials-from");
+  ClientOptions const options = ReadClientOptions(parser);
 
   std::shared_ptr<SDL3App> app;
   try {
@@ -36,12 +34,12 @@ int main(int argc, char* argv[]) {
     return 1;
   }
   SetInterfaceStyle();
-  if (!parser.get<bool>("--start-windowed")) {
+  if (!options.startWindowed) {
     app->toggleFullScreen();
   }
 
   try {
-    MainLoop(app, ip, port, ".", randomCredentialsDirectory, nullptr, false);
+    MainLoop(app, options.ip, options.basePort, ".", options.randomCredentialsDirectory, nullptr, false);
   } catch (std::exception const& error) {
     std::cerr << "Fatal error: " << error.what() << std::endl;
     FatalErrorUI(*app, error.what());

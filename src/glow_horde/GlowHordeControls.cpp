@@ -72,10 +72,9 @@ void GlowHordeControls::handleEvent(SDL_Event const& event, Pointer const& point
     break;
   }
   case SDL_EVENT_MOUSE_BUTTON_DOWN:
-    // A left click on the interface (the activity selector, the team bar) is the interface's, not an
-    // order; the event pump holds those back already, and a click outside the game gives no order either.
-    // A middle-button drag may start anywhere, as the pump lets it through.
-    if (event.button.button == SDL_BUTTON_LEFT && pointer.overGame) {
+    // A click on the interface (the activity selector, the team bar) never gets here: the event pump
+    // keeps it for the interface. Every left click that arrives is an order at the pointer.
+    if (event.button.button == SDL_BUTTON_LEFT) {
       pendingOrder_ = orderAt(world);
     } else if (event.button.button == SDL_BUTTON_MIDDLE) {
       dragging_ = true;

@@ -1,7 +1,9 @@
 #include "glow_horde/GlowHordeSimulation.h"
 
 #include <algorithm>
+#include <cstdio>
 
+#include "sim/KeyLookup.h"
 #include "sim/PlayerSlots.h"
 #include "sim/XXHashHasher.h"
 #include "glow_horde/Order.h"
@@ -40,11 +42,12 @@ GlowHordeSimulation::GlowHordeSimulation(SDL_Renderer* renderer, int localPlayer
       slots_(players), teams_(map.playerTeams) {
   compactExits(map);
 
-  int const toSpawn = settings.ints.at("number_to_spawn");
-  std::int64_t const spawnInterval = static_cast<std::int64_t>(settings.ints.at("spawn_interval_deciseconds")) * 100000;
+  auto setting = [&settings](std::string const& key) { return ValueAt(settings.ints, key); };
+  int const toSpawn = setting("number_to_spawn");
+  std::int64_t const spawnInterval = static_cast<std::int64_t>(setting("spawn_interval_deciseconds")) * 100000;
   ActivityAvailabilities availabilities;
   for (int a = 0; a < k_lemmingActivityCount; ++a) {
-    availabilities.counts[static_cast<std::size_t>(a)] = settings.ints.at(k_availabilityKeys[a]);
+    availabilities.counts[static_cast<std::size_t>(a)] = setting(k_availabilityKeys[a]);
   }
   players_.reserve(players.size());
   for (std::size_t p = 0; p < players.size(); ++p) {
@@ -65,7 +68,7 @@ GlowHordeSimulation::GlowHordeSimulation(SDL_Renderer* renderer, int localPlayer
     players_.emplace_back(setup);
   }
 
-  endFrame_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(settings.ints.at("duration_seconds")) * 1000000u /
+  endFrame_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(setting("duration_seconds")) * 1000000u /
                                          framePeriod);
 
   // The head start: the local player's units alone run delayFrames updates, with no exits.
@@ -101,20 +104,44 @@ void GlowHordeSimulation::compactExits(MapSettings const& map) {
   }
 }
 
+namespace {
+
+void ReportIgnoredOrder(char const* kind, std::size_t player, std::uint32_t frame, Order const& order) {
+  std::fprintf(stderr, "Ignored %s order of player %zu at frame %u: it names unit %u with id %u, which that player "
+                       "doesn't have\n",
+               kind, player, static_cast<unsigned>(frame), static_cast<unsigned>(order.index_in_array_),
+               static_cast<unsigned>(order.id_));
+}
+
+}  // namespace
+
 GlowHordeSimulation::StepEvents GlowHordeSimulation::update(std::vector<std::vector<unsigned char>> const& orders,
-                                                            std::vector<unsigned char> const& ourOrder) {
+                                                            std::vector<unsigned char> const& ourOrder,
+                                                            OurOrderOrigin origin) {
   StepEvents events;
   auto const local = static_cast<std::size_t>(localPlayer_);
 
   if (!ourOrder.empty()) {
     if (std::optional<Order> order = Order::decode(ourOrder)) {
-      events.localOrderAccepted = players_[local].giveOrder(*order);
+      if (origin == OurOrderOrigin::Recorded && !players_[local].namesOneOfItsUnits(*order)) {
+        ReportIgnoredOrder("a recorded", local, frame_, *order);
+      } else {
+        events.localOrderAccepted = players_[local].giveOrder(*order);
+      }
     }
   }
+  // The other players' orders come from the network. Each is given at the same point of its player's
+  // game time on every client, where that player's list of units is the same, so an order that names
+  // no unit of the list, or a unit of another id, is refused alike by every client and the game stays
+  // in step: only a client that crafted it could have sent it.
   for (std::size_t p = 0; p < orders.size() && p < players_.size(); ++p) {
     if (p != local && !orders[p].empty()) {
       if (std::optional<Order> order = Order::decode(orders[p])) {
-        players_[p].giveOrder(*order);
+        if (players_[p].namesOneOfItsUnits(*order)) {
+          players_[p].giveOrder(*order);
+        } else {
+          ReportIgnoredOrder("an", p, frame_, *order);
+        }
       }
     }
   }

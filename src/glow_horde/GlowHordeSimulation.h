@@ -40,7 +40,14 @@ public:
   // One frame. orders holds one entry per player, in player order, each the order that player gave
   // delayFrames frames ago (empty for none); the local player's entry is ignored, its order arrives
   // in ourOrder at once. An empty orders list steps the local player alone.
-  StepEvents update(std::vector<std::vector<unsigned char>> const& orders, std::vector<unsigned char> const& ourOrder);
+  //
+  // ourOrder is either resolved by this client against its own list of units (a click, a driver's
+  // order), which can't name a unit that isn't there unless the clients have parted, or read back
+  // from a recording, whose bytes this client didn't make: such an order that names no unit of the
+  // local player is ignored, as every client of the recorded game ignored it.
+  enum class OurOrderOrigin { ResolvedHere, Recorded };
+  StepEvents update(std::vector<std::vector<unsigned char>> const& orders, std::vector<unsigned char> const& ourOrder,
+                    OurOrderOrigin origin = OurOrderOrigin::ResolvedHere);
 
   bool gameEnded_LocalPlayer() const { return frame_ >= endFrame_; }
   bool gameEnded() const { return frame_ >= endFrame_ + delayFrames_; }

@@ -166,6 +166,10 @@ std::optional<Order> PlayerState::resolveUIOrder(UIOrder const& order) const {
   return resolved;
 }
 
+bool PlayerState::namesOneOfItsUnits(Order const& order) const {
+  return order.index_in_array_ < lemmings_.size() && lemmings_[order.index_in_array_].id() == order.id_;
+}
+
 bool PlayerState::giveOrder(Order const& order) {
   // Both hold whenever the clients agree; failing them means the simulations have parted.
   QZ_ASSERT(order.index_in_array_ < lemmings_.size());

@@ -56,7 +56,10 @@ public:
   std::optional<Position> previewUnitSelectionForOrder(UIOrder const& order) const;
   std::optional<Order> resolveUIOrder(UIOrder const& order) const;
   // True if the order took effect; false, with no change at all, if none of that activity is left.
+  // The order must name one of this player's units (see namesOneOfItsUnits).
   bool giveOrder(Order const& order);
+  // Whether the order's place is within the list of units and the unit there has the order's id.
+  bool namesOneOfItsUnits(Order const& order) const;
 
   void render(Renderer const& renderer, DirectionFilter filter, LemmingActivityTrigger trigger) const;
   // The units that render leaves out for this choice of filter and trigger, for a dimmer pass.

@@ -125,17 +125,23 @@ void RunningGlowHorde::render() {
 std::vector<unsigned char> RunningGlowHorde::processUIInputsAndGetOurNextOrder() {
   // A click with no unit in range is simply lost.
   std::optional<UIOrder> const pending = controls_.takePendingOrder();
+  resolvedOrder_.clear();
   if (pending.has_value()) {
     if (std::optional<Order> order = simulation_.localPlayerState().resolveUIOrder(*pending)) {
-      return order->toBytes();
+      resolvedOrder_ = order->toBytes();
     }
   }
-  return {};
+  return resolvedOrder_;
 }
 
 void RunningGlowHorde::update(std::vector<std::vector<unsigned char>> const& orders,
                               std::vector<unsigned char> ourOrder) {
-  GlowHordeSimulation::StepEvents const events = simulation_.update(orders, ourOrder);
+  // The order of this step is the local player's own only if it is the one just resolved here; in a
+  // replay it comes from the recording instead.
+  auto const origin = ourOrder == resolvedOrder_ ? GlowHordeSimulation::OurOrderOrigin::ResolvedHere
+                                                 : GlowHordeSimulation::OurOrderOrigin::Recorded;
+  resolvedOrder_.clear();
+  GlowHordeSimulation::StepEvents const events = simulation_.update(orders, ourOrder, origin);
   SoundSystem& sound = app_->getSoundSystem();
   if (events.localOrderAccepted) {
     sound.playSound(k_orderSound, 1.0f, 1.0f);

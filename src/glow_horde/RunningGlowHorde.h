@@ -58,5 +58,6 @@ private:
   std::shared_ptr<SDL3App> app_;
   GlowHordeSimulation simulation_;
   GlowHordeControls controls_;
+  std::vector<unsigned char> resolvedOrder_;  // the order that processUIInputsAndGetOurNextOrder gave last
   std::uint32_t lastTicks_ = 0;
 };

@@ -1,12 +1,22 @@
 #include "sim/GameSettings.h"
 
+#include <stdexcept>
+
 #include <algorithm>
 
 GameSettings const& GameSettingsLookup::settingsFrom(GameSpecSettings const& settings) const {
+  // An index comes from a room's spec or a recording file, so one beyond the catalogue is refused
+  // rather than read past the end.
   struct Visitor {
     GameSettingsLookup const& lookup;
-    GameSettings const& operator()(CoopChallengeIndex const& c) const { return lookup.coopChallenges[c.index].settings; }
-    GameSettings const& operator()(RankedMatchIndex const& r) const { return lookup.rankedMatches[r.index].settings; }
+    static GameSettings const& at(std::vector<NamedGameSettings> const& list, std::size_t index) {
+      if (index >= list.size()) {
+        throw std::out_of_range("The game has no challenge or ranked match of that number.");
+      }
+      return list[index].settings;
+    }
+    GameSettings const& operator()(CoopChallengeIndex const& c) const { return at(lookup.coopChallenges, c.index); }
+    GameSettings const& operator()(RankedMatchIndex const& r) const { return at(lookup.rankedMatches, r.index); }
     GameSettings const& operator()(GameSettings const& s) const { return s; }
   };
   return std::visit(Visitor{*this}, settings);

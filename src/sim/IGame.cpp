@@ -1,11 +1,13 @@
 #include "sim/IGame.h"
 
+#include "sim/KeyLookup.h"
+
 std::uint16_t IGame::maxPlayersForMap(std::string const& map) const {
-  return maps.at(map).maxPlayers;
+  return ValueAt(maps, map).maxPlayers;
 }
 
 std::vector<int> IGame::playerTeamsForMap(std::string const& map) const {
-  return maps.at(map).playerTeams;
+  return ValueAt(maps, map).playerTeams;
 }
 
 void IGame::addMap(MapSettings map) {
@@ -24,5 +26,5 @@ std::vector<std::string> IGame::selectableMapNames() const {
 }
 
 MapSettings const& IGame::mapFor(GameSettings const& settings) const {
-  return maps.at(settings.strings.at("map"));
+  return ValueAt(maps, ValueAt(settings.strings, std::string("map")));
 }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "accounts/CredentialsFile.h"
 #include "app/AppStateInterface.h"
 #include "sim/Games.h"
 #include "net/LobbyState.h"
@@ -74,4 +75,8 @@ TEST(AppStateInterface, CredentialFileIsLookedForInTheStorageDirectory) {
   EXPECT_FALSE(state.credentialFilePresent());
   directory.write("credentials.bin", "");
   EXPECT_TRUE(state.credentialFilePresent());
+  EXPECT_THROW(state.loadCredentials(), std::runtime_error);  // an empty file is a short read
+  Credentials const saved{std::vector<unsigned char>(8, 7), std::vector<unsigned char>(16, 9)};
+  SaveCredentials(saved, directory.file("credentials.bin"));
+  EXPECT_EQ(state.loadCredentials(), saved);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fmt/format.h>
+
 #include <deque>
 #include <memory>
 
@@ -179,6 +181,48 @@ TEST_F(MainLoopContextTest, AReplayThatDoesntReproduceItsResultIsFatal) {
   EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }), "Result does not match expected result.");
   EXPECT_EQ(closedLog(),
             "{\"event\":\"replay_verification\",\"matched\":false,\"end_frame\":40,\"end_state_checksum\":78}\n");
+}
+
+TEST_F(MainLoopContextTest, ARecordingWhoseAgreedResultDoesntReadReplaysToItsEndWithoutAComparison) {
+  auto context = create();
+  GameResults results;
+  results.specBytes = testbytes::Encode(GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1});
+  results.finished = true;
+  results.playerIds = {{1, 1, 1, 1, 1, 1, 1, 1}};
+  results.playerNames = {"A"};
+  results.playerSlots = {0};
+  results.reportedResults = {{1, 2, 3}};  // agreed by the one player, but too short to be a result
+  context->shared.recordings.emplace_back(std::deque<std::vector<unsigned char>>{{0}}, results);
+  source.frames = {{UICmd::ReplaySelectedRecording{0}}};
+  context->runOneFrame(false);
+  ASSERT_EQ(context->stateIndex(), 4u);
+  auto& replay = std::get<mainloop::ReplayState>(context->state);
+  EXPECT_FALSE(replay.hasExpectedEnd);
+  EXPECT_FALSE(replay.expectedResult.has_value());
+
+  // The session runs to its own end (a short fake one stands in for it) and is left with no comparison.
+  replay.game = std::make_unique<FakeRunningGame>(context->shared.games.refGame(Game::GlowHorde), 15, 20);
+  replay.orderSource = std::make_unique<LocalOnlyOrderSource>(1, 0, 15);
+  for (int frame = 0; frame < 25; ++frame) context->runOneFrame(false);
+  EXPECT_TRUE(replay.game->gameEnded());
+  source.frames = {{UICmd::ReturnToLobbyAfterGameEnd{}}};
+  EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }), "no error");
+  EXPECT_EQ(context->stateIndex(), 0u);
+}
+
+TEST_F(MainLoopContextTest, ARecordingWithNoPlayersOrMoreThanItsMapHoldsIsRefusedClearly) {
+  auto context = create();
+  // The first challenge is on a map of four places.
+  GameResults results;
+  results.specBytes = testbytes::Encode(GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1});
+  for (std::vector<unsigned short> const& slots : {std::vector<unsigned short>{}, std::vector<unsigned short>(5, 0)}) {
+    results.playerSlots = slots;
+    context->shared.recordings.assign(1, Recording(std::deque<std::vector<unsigned char>>{}, results));
+    source.frames = {{UICmd::ReplaySelectedRecording{0}}};
+    EXPECT_EQ(ErrorText([&] { context->runOneFrame(false); }),
+              fmt::format("The recording names {} players, but its map has places for 1 to 4.", slots.size()));
+    EXPECT_EQ(context->stateIndex(), 0u);
+  }
 }
 
 TEST_F(MainLoopContextTest, ReplayingARecordingThatIsntThereIsAClearError) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "accounts/CredentialsFile.h"
 #include "net/GameRecordsWire.h"
 #include "app/ProcessUICommands.h"
 #include "app/SDL3App.h"
@@ -51,7 +52,8 @@ TEST_F(ProcessUICommandsTest, TheLastRequestedTransitionStands) {
 
 TEST_F(ProcessUICommandsTest, TheFirstPassRunsBeforeAnyCommandOfTheSecond) {
   // SkipTutorial comes first in the list but belongs to the second pass; SetCredentials fails in the
-  // first pass, so the skip is never carried out.
+  // first pass (a folder stands where the file would go), so the skip is never carried out.
+  std::filesystem::create_directories(directory.path() / "credentials.bin");
   UICmd::SetCredentials set;
   set.credentials.playerId.assign(8, 1);
   set.credentials.secret.assign(16, 2);
@@ -74,6 +76,46 @@ TEST_F(ProcessUICommandsTest, ClearCredentialsRemovesTheFileAndIsHarmlessWithout
   run(offline, {UICmd::ClearCredentials{}});
   EXPECT_FALSE(directory.exists("credentials.bin"));
   EXPECT_NO_THROW(run(offline, {UICmd::ClearCredentials{}}));
+}
+
+TEST_F(ProcessUICommandsTest, SetCredentialsSavesInEveryStateAndConnectingLoadsThem) {
+  Credentials const saved{std::vector<unsigned char>(8, 1), std::vector<unsigned char>(16, 2)};
+  mainloop::LocalGameState local;
+  local.game = std::make_unique<FakeRunningGame>(shared.games.refGame(Game::GlowHorde), 15, 100);
+  run(local, {UICmd::SetCredentials{saved}, UICmd::ConnectToServer{}});
+  EXPECT_EQ(LoadCredentials(directory.file("credentials.bin")), saved);
+
+  CommandOutcome const outcome = run(offline, {UICmd::ConnectToServer{}});
+  ASSERT_TRUE(outcome.transition.has_value());
+  EXPECT_EQ(std::get<transition::Connect>(*outcome.transition).credentials, saved);
+}
+
+TEST_F(ProcessUICommandsTest, ARandomCredentialsDirectoryReplacesTheSavedFileButNeedsIt) {
+  TempDirectory accounts;
+  shared.randomCredentialsDirectory = accounts.str();
+  auto failure = [&] {
+    try {
+      run(offline, {UICmd::ConnectToServer{}});
+    } catch (std::exception const& error) {
+      return std::string(error.what());
+    }
+    return std::string("connected");
+  };
+  EXPECT_EQ(failure(), "Failed to open file: " + directory.file("credentials.bin"));
+  Credentials const saved{std::vector<unsigned char>(8, 1), std::vector<unsigned char>(16, 2)};
+  run(offline, {UICmd::SetCredentials{saved}});
+  std::filesystem::create_directories(accounts.path() / "subfolder");  // not a regular file
+  EXPECT_EQ(failure(), "No files found in directory");
+
+  std::vector<Credentials> const choices = {{std::vector<unsigned char>(8, 3), std::vector<unsigned char>(16, 4)},
+                                            {std::vector<unsigned char>(8, 5), std::vector<unsigned char>(16, 6)}};
+  SaveCredentials(choices[0], accounts.file("a.bin"));
+  SaveCredentials(choices[1], accounts.file("b.bin"));
+  for (int i = 0; i < 8; ++i) {
+    CommandOutcome const outcome = run(offline, {UICmd::ConnectToServer{}});
+    Credentials const& picked = std::get<transition::Connect>(*outcome.transition).credentials;
+    EXPECT_TRUE(picked == choices[0] || picked == choices[1]);
+  }
 }
 
 TEST_F(ProcessUICommandsTest, CommandsThatTheOfflineStateDoesntHonourAreIgnored) {

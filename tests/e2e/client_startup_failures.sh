@@ -23,6 +23,10 @@ check() {  # expected-stderr-text client-arguments...
 check "70000" --server-base-port 70000
 check "abc" --server-base-port abc
 check "Unknown argument: --no-such-option" --no-such-option
+# A valued option with nothing after it is refused, not given its default.
+check "Too few arguments for '--ip'." --ip
+check "Too few arguments for '--server-base-port'." --start-windowed --server-base-port
+check "Too few arguments for '--random-credentials-from'." --random-credentials-from
 
 SDL_VIDEODRIVER=no_such_driver run_expecting_failure
 grep -q '^SDL could not initialize! SDL_Error: ' "$work/err.txt" || fail "no SDL failure on stderr"

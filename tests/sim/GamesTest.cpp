@@ -10,6 +10,7 @@
 #include "app/AppStateInterface.h"
 #include "sim/GameResult.h"
 #include "sim/Games.h"
+#include "glow_horde/GlowHordeSimulation.h"
 
 TEST(GamesCatalogue, GlowHordeDefaultsMapsAndLookups) {
   Games const games;
@@ -35,6 +36,12 @@ TEST(GamesCatalogue, GlowHordeDefaultsMapsAndLookups) {
   GameSettings const& challenge = glowHorde.lookup.settingsFrom(CoopChallengeIndex{0});
   EXPECT_EQ(challenge.strings.at("map"), "Astral Steps");
   EXPECT_EQ(challenge.ints.at("bridge_orders"), 15);
+  // An index beyond the catalogue, as a damaged recording may hold, is refused.
+  auto const challenges = static_cast<std::uint32_t>(glowHorde.lookup.coopChallenges.size());
+  auto const ranked = static_cast<std::uint32_t>(glowHorde.lookup.rankedMatches.size());
+  EXPECT_THROW(glowHorde.lookup.settingsFrom(CoopChallengeIndex{challenges}), std::out_of_range);
+  EXPECT_THROW(glowHorde.lookup.settingsFrom(RankedMatchIndex{ranked}), std::out_of_range);
+  EXPECT_NO_THROW(glowHorde.lookup.settingsFrom(CoopChallengeIndex{challenges - 1}));
 }
 
 TEST(GamesCatalogue, ResultTextsOfAllThreeGames) {
@@ -70,4 +77,39 @@ TEST(CompareResultRows, SignedValuesFirstCountsFirstAndTheLongerRowWinsOnACommon
     EXPECT_EQ(sign(CompareResultRows(c.a, c.b)), c.sign);
     EXPECT_EQ(sign(CompareResultRows(c.b, c.a)), -c.sign);
   }
+}
+
+TEST(GamesCatalogue, AMissingMapOrSettingRaisesOneTextWhateverTheStandardLibrary) {
+  Games const games;
+  IGame const& glowHorde = games.refGame(Game::GlowHorde);
+  GameSettings const defaults = DefaultSettingsFromSchema(glowHorde.schema);
+  GameSettings noMapKey = defaults;
+  noMapKey.strings.erase("map");
+  GameSettings unknownMap = defaults;
+  unknownMap.strings["map"] = "No such map";
+  GameSettings noDuration = defaults;
+  noDuration.ints.erase("duration_seconds");
+  GameSettings noBridges = defaults;
+  noBridges.ints.erase("bridge_orders");
+
+  auto text = [](auto const& action) {
+    try {
+      action();
+    } catch (std::out_of_range const& error) {
+      return std::string(error.what());
+    }
+    return std::string("no error");
+  };
+  auto simulate = [&](GameSettings const& settings) {
+    GlowHordeSimulation(nullptr, 0, 16666, 15, settings, glowHorde.maps.at(defaults.strings.at("map")), {0});
+  };
+  std::string const expected = "unordered_map::at: key not found";
+  EXPECT_EQ(text([&] { glowHorde.maxPlayersForMap("No such map"); }), expected);
+  EXPECT_EQ(text([&] { glowHorde.playerTeamsForMap("No such map"); }), expected);
+  // A session's map is looked up before anything else is made, so no shell is needed to see it fail.
+  EXPECT_EQ(text([&] { glowHorde.startSession(nullptr, 0, 16666, 15, noMapKey, {0}, false); }), expected);
+  EXPECT_EQ(text([&] { glowHorde.startSession(nullptr, 0, 16666, 15, unknownMap, {0}, false); }), expected);
+  EXPECT_EQ(text([&] { simulate(noDuration); }), expected);
+  EXPECT_EQ(text([&] { simulate(noBridges); }), expected);
+  EXPECT_EQ(text([&] { simulate(defaults); }), "no error");
 }
