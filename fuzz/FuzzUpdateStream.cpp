@@ -49,6 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     client.transport().incoming.emplace_back(0, std::vector<unsigned char>(datagram, datagram + length));
     client.communicate(orders);
     FUZZ_REQUIRE(orders.empty() || orders.size() == 3);
+    FUZZ_REQUIRE(client.framesReady() <= TandemClient<TestUDPTransport>::kMaxFramesReady);
     if (!orders.empty()) {
       client.sendUpdate({static_cast<unsigned char>(step)});
     }

@@ -164,6 +164,16 @@ int main(int argc, char** argv) {
     return 2;
   }
   std::filesystem::path const out = argv[1];
+  Credentials const account{{0xA0, 0xA1, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7},
+                            {0xFF, 0xFE, 0xFD, 0x30, 0x31, 0x32, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B, 0x3C}};
+  std::string const text = EncodeCredentialsString(account);
+  Write(out, "credentials_string", {Bytes(text.begin(), text.end()),
+                                    Text(" " + text.substr(0, 12) + "\n" + text.substr(12) + "\r\n"), Text("AB==")});
+  Write(out, "credentials_file",
+        {CredentialsFileBytes(account), Bytes{0, 0, 0, 0, 3, 0, 0, 0, 1, 2, 3, 20, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9,
+                                              10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20}});
+  Write(out, "tutorial_progress", {Text("[tutorial]\n0=completed\n1=skipped\n\n[attempts]\n0=3\n1=1\n"),
+                                   Text("  [attempts]\r\n 2 = 4 \r\n[other]\nx=y\n[tutorial]\n-1=completed\n")});
   Write(out, "lobby_state", {Encode(Lobby()), Encode(LobbyState{})});
   Write(out, "game_room", {Encode(Room()), Encode(GameRoom{})});
   Write(out, "running_game_state", {Encode(Running())});
@@ -188,16 +198,6 @@ int main(int argc, char** argv) {
   Write(out, "server_info", {serverInfo});
   Write(out, "recording", {RecordingFile({{1, 'b', 0}, {1, 'a', 2, 'x', 'y'}}), RecordingFile({})});
   Write(out, "split_server_data", {Bytes{3, 2, 'A', 'B', 0, 1, 'C'}, Bytes{2, 1, 'x', 0}});
-  Credentials const account{{0xA0, 0xA1, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7},
-                            {0xFF, 0xFE, 0xFD, 0x30, 0x31, 0x32, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B, 0x3C}};
-  std::string const text = EncodeCredentialsString(account);
-  Write(out, "credentials_string", {Bytes(text.begin(), text.end()),
-                                    Text(" " + text.substr(0, 12) + "\n" + text.substr(12) + "\r\n"), Text("AB==")});
-  Write(out, "credentials_file",
-        {CredentialsFileBytes(account), Bytes{0, 0, 0, 0, 3, 0, 0, 0, 1, 2, 3, 20, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9,
-                                              10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20}});
-  Write(out, "tutorial_progress", {Text("[tutorial]\n0=completed\n1=skipped\n\n[attempts]\n0=3\n1=1\n"),
-                                   Text("  [attempts]\r\n 2 = 4 \r\n[other]\nx=y\n[tutorial]\n-1=completed\n")});
   Write(out, "lobby_messages", Messages());
   Write(out, "lobby_client", {ServerStream()});
   Write(out, "tcp_framing", {Prefixed(7, ServerStream()), Prefixed(0, SocketPlatform::MakeFrame(Bytes{}))});

@@ -19,6 +19,7 @@ fi
 "$bin/tandem-server" --base-port "$BASE_PORT" --bind 127.0.0.1 --data "$data" >"$data.log" 2>&1 &
 server=$!
 trap 'kill "$server" 2>/dev/null; wait "$server" 2>/dev/null || true' EXIT
+trap 'exit 143' TERM INT
 for _ in $(seq 50); do grep -q '^Server running' "$data.log" 2>/dev/null && break; sleep 0.1; done
 grep -q '^Server running' "$data.log" || { cat "$data.log"; exit 1; }
 echo "Server on 127.0.0.1:$BASE_PORT (log: $data.log); website: http://127.0.0.1:$((BASE_PORT + 1))/status"

@@ -1,9 +1,12 @@
-// Crossing tests against the longest tails a game allows: 1200 pixels at the start and 200 meals of
-// 200 pixels in a ten-minute game, 41200 pixels, laid as a meandering path of 3-pixel steps (a point
-// every step, as a turning head makes them) packed into a 1024-pixel square, the size of the map.
-// The plain loop over every segment is measured beside the tail's own test for comparison.
+// Crossing tests against tails of 1200 pixels (the longest start), 10000, and the longest a game allows:
+// 1200 pixels at the start and 200 meals of 200 pixels in a ten-minute game, 41200 pixels. Each is laid
+// as a meandering path of 3-pixel steps (a point every step, as a turning head makes them) packed into a
+// 1024-pixel square, the size of the map. The plain loop over every segment is measured beside the
+// tail's own test: every head tests every tail every frame, so a cost linear in the points makes a game
+// quadratic in its length.
 #include <benchmark/benchmark.h>
 
+#include <map>
 #include <random>
 #include <vector>
 
@@ -13,17 +16,23 @@ namespace {
 
 using P = Vec2<AviatorCoord>;
 
-constexpr int kLongestTail = (1200 + 200 * 200) * 256;
+constexpr int kLongestTail = 1200 + 200 * 200;  // pixels
 
 struct Meander {
   Tail tail{P{512 * 256, 512 * 256}};
   std::vector<P> queries;  // pairs (from, to): short steps somewhere on the map
 };
 
-Meander const& LongTail() {
-  static Meander const meander = [] {
-    Meander m;
-    m.tail.setLength(kLongestTail);
+// A meander of the given length in pixels, made once for each length.
+Meander const& LongTail(int pixels = kLongestTail) {
+  static std::map<int, Meander> made;
+  auto found = made.find(pixels);
+  if (found != made.end()) {
+    return found->second;
+  }
+  Meander& m = made[pixels];
+  {
+    m.tail.setLength(pixels * 256);
     std::mt19937 random(7);
     P head{512 * 256, 512 * 256};
     int heading = 0;  // in 1/64 turns
@@ -45,9 +54,8 @@ Meander const& LongTail() {
       m.queries.push_back(from);
       m.queries.push_back({from.x + 700, from.y + 300});
     }
-    return m;
-  }();
-  return meander;
+  }
+  return m;
 }
 
 int Side(P p, P s, P e) {
@@ -66,7 +74,7 @@ bool PlainCrossing(std::deque<P> const& points, P from, P to) {
 }
 
 void BM_TailCrossing_Indexed(benchmark::State& state) {
-  Meander const& m = LongTail();
+  Meander const& m = LongTail(static_cast<int>(state.range(0)));
   std::size_t i = 0;
   int hits = 0;
   for (auto _ : state) {
@@ -76,10 +84,10 @@ void BM_TailCrossing_Indexed(benchmark::State& state) {
   state.counters["points"] = static_cast<double>(m.tail.points().size());
   state.counters["hits"] = hits;
 }
-BENCHMARK(BM_TailCrossing_Indexed);
+BENCHMARK(BM_TailCrossing_Indexed)->Arg(1200)->Arg(10000)->Arg(kLongestTail);
 
 void BM_TailCrossing_PlainLoop(benchmark::State& state) {
-  Meander const& m = LongTail();
+  Meander const& m = LongTail(static_cast<int>(state.range(0)));
   std::size_t i = 0;
   int hits = 0;
   for (auto _ : state) {
@@ -89,7 +97,7 @@ void BM_TailCrossing_PlainLoop(benchmark::State& state) {
   state.counters["points"] = static_cast<double>(m.tail.points().size());
   state.counters["hits"] = hits;
 }
-BENCHMARK(BM_TailCrossing_PlainLoop);
+BENCHMARK(BM_TailCrossing_PlainLoop)->Arg(1200)->Arg(10000)->Arg(kLongestTail);
 
 // Growth at the head with the far end cut each step, on a tail at its longest.
 void BM_TailUpdateAtFullLength(benchmark::State& state) {

@@ -46,12 +46,15 @@ void GameRelay::collateAndSend(Output& out) {
   std::uint64_t const before = stream_.next_tick;
   stream_.collate();
   std::uint64_t const built = stream_.next_tick - before;
-  if (built > 0) {
+  if (built > 0 && relayed_.size() < kMaxRecordedSteps) {
     // Every live player's send queue has the new ticks at its front, newest first.
     for (int player = 0; player < stream_.endpointCount; ++player) {
       if (!stream_.dropped[player]) {
         auto const fresh = stream_.send_queues[player].entries_after_newest(0, static_cast<std::size_t>(built));
         relayed_.insert(relayed_.end(), fresh.rbegin(), fresh.rend());
+        if (relayed_.size() > kMaxRecordedSteps) {
+          relayed_.resize(kMaxRecordedSteps);
+        }
         break;
       }
     }

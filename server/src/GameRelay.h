@@ -15,6 +15,9 @@ class GameRelay {
 public:
   // A player whose datagrams stop for this long, while the game waits for that player, is dropped.
   static constexpr std::int64_t kSilenceLimitMs = 30000;
+  // The recording keeps at most this many steps (an hour at 60 a second); a game that runs longer is
+  // still relayed, but its recording ends there.
+  static constexpr std::size_t kMaxRecordedSteps = 60 * 60 * 60;
 
   struct Output {
     std::vector<std::pair<Endpoint, std::vector<unsigned char>>> datagrams;

@@ -9,6 +9,20 @@ namespace {
 constexpr auto kTickInterval = std::chrono::milliseconds(100);
 }
 
+template <class Call>
+void ServerNetwork::guarded(ConnectionId connection, Call&& call) {
+  try {
+    call();
+  } catch (std::exception const& error) {
+    std::fprintf(stderr, "Internal error while serving connection %llu: %s\n",
+                 static_cast<unsigned long long>(connection), error.what());
+    if (connection != 0 && connections_.count(connection) != 0) {
+      connections_.at(connection)->closing = true;
+      asio::post(io_, [this, connection] { lost(connection); });
+    }
+  }
+}
+
 ServerNetwork::ServerNetwork(asio::io_context& io, IServerStorage& storage, std::string const& bindAddress,
                              unsigned short basePort, LobbyTimeouts timeouts)
     : io_(io),
@@ -61,10 +75,12 @@ void ServerNetwork::scheduleTick() {
     if (error || stopped_) {
       return;
     }
-    lobby_.tick(nowMs());
-    if (afterTick) {
-      afterTick(lobby_);
-    }
+    guarded(0, [&] {
+      lobby_.tick(nowMs());
+      if (afterTick) {
+        afterTick(lobby_);
+      }
+    });
     scheduleTick();
   });
 }
@@ -77,12 +93,15 @@ void ServerNetwork::accept() {
     if (stopped_) {
       return;
     }
-    if (!error) {
+    if (!error && connections_.size() >= kMaxConnections) {
+      asio::error_code ignored;
+      connection->socket.close(ignored);
+    } else if (!error) {
       ConnectionId const id = nextConnection_++;
       asio::error_code ignored;
       connection->socket.set_option(asio::ip::tcp::no_delay(true), ignored);
       connections_[id] = connection;
-      lobby_.onConnect(id, nowMs());
+      guarded(id, [&] { lobby_.onConnect(id, nowMs()); });
       readHeader(id);
     } else {
       std::fprintf(stderr, "Failed to accept a connection: %s\n", error.message().c_str());
@@ -108,7 +127,7 @@ void ServerNetwork::readHeader(ConnectionId id) {
                      std::uint32_t const length = SocketPlatform::ReadFrameHeader(connection->header.data());
                      if (length > kMaxInboundFrame) {
                        // A violation, found without reading a byte of the frame.
-                       lobby_.onOversizedMessage(id);
+                       guarded(id, [&] { lobby_.onOversizedMessage(id); });
                        return;
                      }
                      connection->payload.resize(length);
@@ -127,7 +146,7 @@ void ServerNetwork::readPayload(ConnectionId id) {
                        return lost(id);
                      }
                      std::vector<unsigned char> const payload = std::move(connection->payload);
-                     lobby_.onMessage(id, payload.data(), payload.size(), nowMs());
+                     guarded(id, [&] { lobby_.onMessage(id, payload.data(), payload.size(), nowMs()); });
                      if (connections_.count(id) != 0 && !connection->closing) {
                        readHeader(id);
                      }
@@ -204,7 +223,7 @@ void ServerNetwork::lost(ConnectionId id) {
   asio::error_code ignored;
   found->second->socket.close(ignored);
   connections_.erase(found);
-  lobby_.onDisconnect(id, nowMs());
+  guarded(0, [&] { lobby_.onDisconnect(id, nowMs()); });
 }
 
 // ------------------------------------------------------------------------------------------------ UDP
@@ -256,7 +275,7 @@ void ServerNetwork::receiveDatagram(unsigned short portOffset) {
         }
         if (!error && size > 0 && port->sender.address().is_v4()) {
           Endpoint const from{port->sender.address().to_v4().to_uint(), port->sender.port()};
-          lobby_.onDatagram(portOffset, from, port->buffer.data(), size, nowMs());
+          guarded(0, [&] { lobby_.onDatagram(portOffset, from, port->buffer.data(), size, nowMs()); });
         }
         if (ports_.count(portOffset) != 0 && ports_.at(portOffset) == port) {
           receiveDatagram(portOffset);

@@ -23,6 +23,8 @@ public:
   static constexpr std::uint32_t kMaxInboundFrame = LobbyServer::kMaxClientMessage;
   // A connection whose unsent output grows beyond this is too slow to keep.
   static constexpr std::size_t kMaxQueuedOutput = 64u * 1024u * 1024u;
+  // Connections beyond this many are closed as soon as they are accepted.
+  static constexpr std::size_t kMaxConnections = 4096;
 
   ServerNetwork(asio::io_context& io, IServerStorage& storage, std::string const& bindAddress,
                 unsigned short basePort, LobbyTimeouts timeouts = {});
@@ -66,6 +68,10 @@ private:
   void lost(ConnectionId id);
   void receiveDatagram(unsigned short portOffset);
   void scheduleTick();
+  // Runs one call into the lobby. A failure inside it (the storage, say) is logged and costs the
+  // connection that caused it, never the server.
+  template <class Call>
+  void guarded(ConnectionId connection, Call&& call);
   std::int64_t nowMs() const;
 
   asio::io_context& io_;

@@ -242,7 +242,11 @@ std::string Website::mintPage(std::string const& name, std::string& error) {
 std::string Website::downloadPage(std::string const& version) const {
   std::string const yours = ClientVersionText(version);
   return Page("Download",
-              std::string(yours.empty() ? "" : "<p>Your client is version " + yours + ".</p>") +
+              std::string(yours.empty() ? ""
+                          : "<p>Your client is version " + yours + ". " +
+                                (yours == "0.1.3" ? "It is the version that this server speaks."
+                                                  : "This server needs client version 0.1.3.") +
+                                "</p>") +
                   "<p>This server speaks protocol 1003, the protocol of client version 0.1.3.</p>"
                   "<p>The client and this server are built from the project's sources: "
                   "<code>cmake --preset release &amp;&amp; cmake --build --preset release</code> gives "

@@ -98,8 +98,7 @@ int ServeCommand(int argc, char** argv) {
       std::cerr << "Failed to open the website's port " << settings.port << "\n";
       return 1;
     }
-    int ticks = 0;
-    network.afterTick = [&website, &ticks](LobbyServer const& lobby) {
+    network.afterTick = [&website, ticks = 0](LobbyServer const& lobby) mutable {
       if (++ticks % 5 == 0) {
         website->updateSnapshot(lobby.snapshot());
       }

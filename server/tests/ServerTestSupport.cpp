@@ -166,6 +166,9 @@ int ServerProcess::terminate() {
 
 ServerProcess::~ServerProcess() {
   terminate();
+  if (std::getenv("TANDEM_SERVER_TEST_LOG") != nullptr) {
+    std::fprintf(stderr, "---- server output ----\n%s---- end of server output ----\n", output_.c_str());
+  }
   std::error_code ignored;
   if (removeDataOnExit) {
     std::filesystem::remove_all(dataDirectory_, ignored);

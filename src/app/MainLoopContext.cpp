@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <set>
@@ -37,6 +38,50 @@ constexpr RGBColour kClearColour{0.06f, 0.04f, 0.01f};
 // Microseconds of game time in one frame: 1000000 / 60 in integer arithmetic.
 constexpr unsigned long long kFramePeriod = 16666;
 constexpr unsigned char kTutorialDelayFrames = 15;
+
+// Why a recorded game can't be played by this client, or nothing if it can: the recording names settings
+// that the game's tables don't have, a map it doesn't know, values outside the schema, or players whose
+// slots aren't the map's. Recordings come from files and the network, so this is checked, never assumed.
+std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const& spec,
+                                               std::vector<std::uint16_t> const& players) {
+  GameSettings const* settings = nullptr;
+  if (auto const* coop = std::get_if<CoopChallengeIndex>(&spec.settings)) {
+    if (coop->index >= game.lookup.coopChallenges.size()) return "it names a challenge that this client doesn't know";
+    settings = &game.lookup.coopChallenges[coop->index].settings;
+  } else if (auto const* ranked = std::get_if<RankedMatchIndex>(&spec.settings)) {
+    if (ranked->index >= game.lookup.rankedMatches.size()) return "it names a ranked match that this client doesn't know";
+    settings = &game.lookup.rankedMatches[ranked->index].settings;
+  } else {
+    settings = &std::get<GameSettings>(spec.settings);
+  }
+  auto const map = settings->strings.find("map");
+  if (map == settings->strings.end() || game.maps.count(map->second) == 0) return "its map is unknown";
+  // The catalogue's own entries are this client's and are taken as they stand; custom settings are
+  // checked against the schema. A schema row whose minimum lies above its maximum bounds nothing.
+  bool const fromCatalogue = !std::holds_alternative<GameSettings>(spec.settings);
+  for (SchemaEntry const& entry : game.schema) {
+    if (entry.key == "map" || fromCatalogue) continue;
+    if (entry.kind == SchemaEntry::Integer) {
+      auto const value = settings->ints.find(entry.key);
+      bool const bounded = entry.minimum <= entry.maximum;
+      if (value == settings->ints.end() ||
+          (bounded && (value->second < entry.minimum || value->second > entry.maximum))) {
+        return "its setting \"" + entry.key + "\" is missing or out of range";
+      }
+    } else {
+      auto const value = settings->strings.find(entry.key);
+      if (value == settings->strings.end() ||
+          std::find(entry.choices.begin(), entry.choices.end(), value->second) == entry.choices.end()) {
+        return "its setting \"" + entry.key + "\" is missing or not one of its choices";
+      }
+    }
+  }
+  std::size_t const slots = game.playerTeamsForMap(map->second).size();
+  for (std::uint16_t slot : players) {
+    if (slot >= slots) return "a player's slot isn't one of the map's";
+  }
+  return std::nullopt;
+}
 
 }  // namespace
 
@@ -502,6 +547,9 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
         throw std::runtime_error("The recording is of a game that this client doesn't know.");
       }
       IGame const& game = context.shared.games.refGame(spec.game);
+      if (std::optional<std::string> problem = RecordedGameProblem(game, spec, recording.results.playerSlots)) {
+        throw std::runtime_error(fmt::format("The recording can't be replayed: {}.", *problem));
+      }
       GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
       mainloop::ReplayState next;
       next.players = recording.results.playerSlots;

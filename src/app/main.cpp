@@ -12,6 +12,7 @@
 #include "app/SDL3App.h"
 #include "ui/FatalErrorUI.h"
 #include "ui/InterfaceStyle.h"
+#include "ui/Website.h"
 
 int main(int argc, char* argv[]) {
   ChangeToExecutableDirectory();
@@ -25,6 +26,7 @@ int main(int argc, char* argv[]) {
     return 1;
   }
   ClientOptions const options = ReadClientOptions(parser);
+  SetWebsiteAddress(options.ip, options.basePort);
 
   std::shared_ptr<SDL3App> app;
   try {

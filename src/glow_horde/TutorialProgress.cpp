@@ -53,12 +53,8 @@ std::string TutorialProgressPath(std::string const& storageDirectory) {
   return (std::filesystem::path(storageDirectory) / "userdata" / "progress.ini").string();
 }
 
-TutorialProgress LoadTutorialProgress(std::string const& storageDirectory) {
+TutorialProgress ReadTutorialProgress(std::istream& file) {
   TutorialProgress progress;
-  std::ifstream file(TutorialProgressPath(storageDirectory));
-  if (!file.is_open()) {
-    return progress;
-  }
   Section section = Section::None;
   std::string line;
   while (std::getline(file, line)) {
@@ -102,13 +98,15 @@ TutorialProgress LoadTutorialProgress(std::string const& storageDirectory) {
   return progress;
 }
 
-void SaveTutorialProgress(std::string const& storageDirectory, TutorialProgress const& progress) {
-  std::error_code error;
-  std::filesystem::create_directories(std::filesystem::path(storageDirectory) / "userdata", error);
-  std::ofstream file(TutorialProgressPath(storageDirectory), std::ios::trunc);
+TutorialProgress LoadTutorialProgress(std::string const& storageDirectory) {
+  std::ifstream file(TutorialProgressPath(storageDirectory));
   if (!file.is_open()) {
-    return;
+    return TutorialProgress{};
   }
+  return ReadTutorialProgress(file);
+}
+
+void WriteTutorialProgress(std::ostream& file, TutorialProgress const& progress) {
   file << "[tutorial]\n";
   for (auto const& [level, status] : progress.status) {
     if (status == TutorialProgress::kSkipped) {
@@ -123,4 +121,14 @@ void SaveTutorialProgress(std::string const& storageDirectory, TutorialProgress 
       file << level << '=' << count << '\n';
     }
   }
+}
+
+void SaveTutorialProgress(std::string const& storageDirectory, TutorialProgress const& progress) {
+  std::error_code error;
+  std::filesystem::create_directories(std::filesystem::path(storageDirectory) / "userdata", error);
+  std::ofstream file(TutorialProgressPath(storageDirectory), std::ios::trunc);
+  if (!file.is_open()) {
+    return;
+  }
+  WriteTutorialProgress(file, progress);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <map>
 #include <string>
 
@@ -22,6 +23,10 @@ struct TutorialProgress {
 // Reads "userdata/progress.ini" under the storage directory. A missing or damaged file costs only
 // progress: unreadable lines are passed over and nothing is reported.
 TutorialProgress LoadTutorialProgress(std::string const& storageDirectory);
+
+// The same from the text of such a file, and the text that saving writes.
+TutorialProgress ReadTutorialProgress(std::istream& file);
+void WriteTutorialProgress(std::ostream& file, TutorialProgress const& progress);
 
 // Writes the record, making the folder if needed. A file that can't be written is skipped silently.
 void SaveTutorialProgress(std::string const& storageDirectory, TutorialProgress const& progress);

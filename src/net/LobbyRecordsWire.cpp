@@ -82,10 +82,13 @@ void ToBytes(LobbyState const& value, std::vector<unsigned char>& out) {
 }
 
 bool FromBytes(unsigned char const*& cursor, std::size_t& remaining, LobbyState& value) {
-  return FromBytesCounted(cursor, remaining, value.players,
-                          [&](std::optional<PlayerInLobby>& player) { return FromBytes(cursor, remaining, player); }) &&
-         FromBytesCounted(cursor, remaining, value.rooms,
-                          [&](std::optional<GameRoom>& room) { return FromBytes(cursor, remaining, room); });
+  return FromBytesCounted(
+             cursor, remaining, value.players,
+             [&](std::optional<PlayerInLobby>& player) { return FromBytes(cursor, remaining, player); },
+             LobbyState::kMaxEntries) &&
+         FromBytesCounted(
+             cursor, remaining, value.rooms,
+             [&](std::optional<GameRoom>& room) { return FromBytes(cursor, remaining, room); }, LobbyState::kMaxEntries);
 }
 
 void ToBytes(GameResults const& value, std::vector<unsigned char>& out) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,6 +46,10 @@ struct GameRoom {
 };
 
 struct LobbyState {
+  // Player and room numbers have 2 bytes, so neither vector can hold more entries than this. The
+  // reader refuses a longer vector before allocating it.
+  static constexpr std::size_t kMaxEntries = 65536;
+
   std::vector<std::optional<PlayerInLobby>> players;  // by player number; absent = number not in use
   std::vector<std::optional<GameRoom>> rooms;         // by room number; absent = number not in use
 

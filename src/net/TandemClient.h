@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdio>
 #include <deque>
 #include <stdexcept>
@@ -23,8 +24,17 @@ class TandemClient {
 public:
   using Frame = std::vector<std::vector<unsigned char>>;
 
+  // Frames taken from the stream ahead of the simulation. A server keeps far below this; a server
+  // that runs ahead of it is left waiting in the stream, which then stops taking its data.
+  static constexpr std::size_t kMaxFramesReady = UDPDataStream::kMaxQueuedUpdates;
+
+  // How long the session request is repeated before the game is given up: the server confirms within
+  // a round trip once its port listens, and the lobby announces the port only then.
+  static constexpr std::chrono::milliseconds kAuthenticationTimeLimit{15000};
+
   // Opens the datagram socket to host:port and authenticates with the session token; blocks until
-  // the server confirms. Throws std::runtime_error when the socket can't be opened or closes.
+  // the server confirms. Throws std::runtime_error when the socket can't be opened, closes, or gets no
+  // confirmation within kAuthenticationTimeLimit.
   TandemClient(std::string const& host, unsigned short port, int playerCount, int delayFrames,
                unsigned long long token)
     requires std::is_same_v<Transport, UDPClient>
@@ -35,7 +45,7 @@ public:
     }
     std::printf("Attempting authentication with session token..\n");
     std::fflush(stdout);
-    AuthenticateUDPClient(transport_, token);
+    AuthenticateUDPClient(transport_, token, kAuthenticationTimeLimit);
     std::printf("(Authenticated)\n");
     std::fflush(stdout);
   }
@@ -103,7 +113,7 @@ private:
     stream_.discard_acknowledged();
     stream_.send_updates(transport_);
     checkOpen();
-    while (stream_.has_frame_update()) {
+    while (stream_.has_frame_update() && framesReady_.size() < kMaxFramesReady) {
       framesReady_.push_back(SplitServerData(stream_.get_next_frame_update(), playerCount_));
     }
     if (framesReady_.empty()) {

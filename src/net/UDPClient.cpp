@@ -119,7 +119,7 @@ void AuthenticateUDPClient(UDPClient& client, unsigned long long token, std::chr
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
       if (timeout.count() > 0 && Clock::now() - start >= timeout) {
-        throw std::runtime_error("No answer from the game server to the session request");
+        throw std::runtime_error("Disconnected from, or failed to connect to UDP server");
       }
       if (Clock::now() - sentAt >= std::chrono::milliseconds(200)) {
         break;

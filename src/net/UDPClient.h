@@ -34,7 +34,8 @@ private:
 
 // Binds the socket to the game session: sends the session request with token every 200 milliseconds,
 // polling every millisecond, until a confirmation arrives; anything else received meanwhile is
-// dropped. Blocks its caller. Throws std::runtime_error if the socket closes, or once timeout has
-// passed without a confirmation (zero waits for ever).
+// dropped. Blocks its caller. Throws std::runtime_error ("Disconnected from, or failed to connect to
+// UDP server") if the socket closes, or once timeout has passed without a confirmation (zero waits for
+// ever; an unconnected datagram socket may never learn that nobody listens).
 void AuthenticateUDPClient(UDPClient& client, unsigned long long token,
                            std::chrono::milliseconds timeout = std::chrono::milliseconds(0));

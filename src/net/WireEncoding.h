@@ -44,11 +44,14 @@ bool FromBytes(unsigned char const*& cursor, std::size_t& remaining, std::option
 // The bounded read of a counted vector, for the record readers: the 8-byte count, its comparison
 // with the bytes left (before any allocation), the resize, then each element by readElement, which
 // makes its own width check. Elements wider than a byte are thus stopped one by one.
+// maxCount bounds vectors whose elements take far more memory than their shortest encoding (an
+// absent optional room is one byte on the wire and hundreds in memory): a count above it fails
+// before the resize, like a count above the bytes left.
 template <class Element, class ReadElement>
 bool FromBytesCounted(unsigned char const*& cursor, std::size_t& remaining, std::vector<Element>& value,
-                      ReadElement&& readElement) {
+                      ReadElement&& readElement, std::size_t maxCount = static_cast<std::size_t>(-1)) {
   std::size_t count = 0;
-  if (!WireReader(cursor, remaining).count(count)) {
+  if (!WireReader(cursor, remaining).count(count) || count > maxCount) {
     return false;
   }
   value.resize(count);

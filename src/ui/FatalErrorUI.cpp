@@ -53,7 +53,7 @@ bool RenderFatalErrorScreen(std::string const& message) {
   ImGui::Spacing();
   CentredText(message, kWhite);
 
-  std::string const website = kWebsite;
+  std::string const& website = WebsiteAddress();
   if (message == kVersionNotAcceptedMessage) {
     std::string const url = website + "/download";
     LinkButton("Open downloads page", url, url, downloadLinkFailed);

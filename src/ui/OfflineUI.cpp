@@ -43,12 +43,12 @@ constexpr ImVec4 kLinkBlue(0.2f, 0.2f, 1.0f, 1.0f);
 // the page says where to go, for the rest of the run.
 void SiteLink(char const* label, char const* path, bool& failed) {
   if (CentredGhostButton(label, ImVec2(0.0f, 0.0f))) {
-    std::string const url = std::string(kWebsite) + path + "?v=" + VersionString(kClientVersion);
+    std::string const url = WebsiteAddress() + path + "?v=" + VersionString(kClientVersion);
     failed = !SDL_OpenURL(url.c_str());
   }
   if (failed) {
     CentredText(std::string("Failed to open browser. Please visit:"), ImGuiColours::red);
-    CentredText(std::string(kWebsite) + path, kLinkBlue);
+    CentredText(WebsiteAddress() + path, kLinkBlue);
   }
 }
 

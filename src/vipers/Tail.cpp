@@ -32,43 +32,54 @@ void Tail::Box::add(Point p) {
   maxY = std::max(maxY, p.y);
 }
 
+void Tail::BoxLevel::addFront(std::int64_t id, Point p) {
+  std::int64_t const block = id >> shift;
+  while (back + static_cast<std::int64_t>(boxes.size()) <= block) {
+    boxes.emplace_back();
+  }
+  boxes[static_cast<std::size_t>(block - back)].add(p);
+  // The first point of a block closes the last segment of the block before.
+  if ((id & ((std::int64_t{1} << shift) - 1)) == 0 && block - 1 >= back) {
+    boxes[static_cast<std::size_t>(block - 1 - back)].add(p);
+  }
+}
+
+void Tail::BoxLevel::dropBefore(std::int64_t backId) {
+  while (back < (backId >> shift)) {
+    boxes.pop_front();
+    ++back;
+  }
+}
+
 Tail::Tail(Point start) {
   points_.push_back(start);
-  boxes_.emplace_back().add(start);
+  fine_.addFront(0, start);
+  coarse_.addFront(0, start);
 }
 
 void Tail::pushFront(Point p) {
   points_.push_front(p);
   ++frontId_;
-  std::int64_t const block = frontId_ >> kBlockShift;
-  while (backBlock_ + static_cast<std::int64_t>(boxes_.size()) <= block) {
-    boxes_.emplace_back();
-  }
-  boxes_[static_cast<std::size_t>(block - backBlock_)].add(p);
-  // The first point of a block closes the last segment of the block before.
-  if ((frontId_ & ((1 << kBlockShift) - 1)) == 0 && block - 1 >= backBlock_) {
-    boxes_[static_cast<std::size_t>(block - 1 - backBlock_)].add(p);
-  }
+  fine_.addFront(frontId_, p);
+  coarse_.addFront(frontId_, p);
 }
 
 void Tail::popFront() {
-  // The box keeps the point's extent: a box may be larger than its points, never smaller.
+  // The boxes keep the point's extent: a box may be larger than its points, never smaller.
   points_.pop_front();
   --frontId_;
 }
 
 void Tail::popBack() {
   points_.pop_back();
-  std::int64_t const firstLiveBlock = backId() >> kBlockShift;
-  while (backBlock_ < firstLiveBlock) {
-    boxes_.pop_front();
-    ++backBlock_;
-  }
+  fine_.dropBefore(backId());
+  coarse_.dropBefore(backId());
 }
 
 void Tail::moveBack(Point p) {
   points_.back() = p;
-  boxes_.front().add(p);
+  fine_.addTo(backId(), p);
+  coarse_.addTo(backId(), p);
 }
 
 void Tail::update(Point head) {
@@ -145,34 +156,45 @@ bool Tail::checkCollision_Internal(Point from, Point to, bool skipFirstSegment) 
   // The query's line: side(p) = a·(p.x - from.x) + b·(p.y - from.y).
   std::int64_t const a = static_cast<std::int64_t>(to.y) - from.y;
   std::int64_t const b = static_cast<std::int64_t>(from.x) - to.x;
-  std::int64_t const lastBlock = highestId >> kBlockShift;
-  for (std::int64_t block = backBlock_; block <= lastBlock; ++block) {
-    Box const& box = boxes_[static_cast<std::size_t>(block - backBlock_)];
+  auto const missesLine = [&](Box const& box) {
     std::int64_t const nearX = (a >= 0 ? box.minX : box.maxX) - static_cast<std::int64_t>(from.x);
     std::int64_t const farX = (a >= 0 ? box.maxX : box.minX) - static_cast<std::int64_t>(from.x);
     std::int64_t const nearY = (b >= 0 ? box.minY : box.maxY) - static_cast<std::int64_t>(from.y);
     std::int64_t const farY = (b >= 0 ? box.maxY : box.minY) - static_cast<std::int64_t>(from.y);
-    if (a * nearX + b * nearY > 0 || a * farX + b * farY < 0) {
+    return a * nearX + b * nearY > 0 || a * farX + b * farY < 0;
+  };
+  std::int64_t const lastCoarse = highestId >> kCoarseShift;
+  for (std::int64_t coarse = coarse_.back; coarse <= lastCoarse; ++coarse) {
+    if (missesLine(coarse_.box(coarse))) {
       continue;
     }
-    std::int64_t const first = std::max(block << kBlockShift, lowestId);
-    std::int64_t const last = std::min((block << kBlockShift) + (1 << kBlockShift) - 1, highestId);
-    // Segments k from frontId_ - last to frontId_ - first, walked from the newer end: each point's side
-    // of the query line is taken once.
-    auto point = points_.begin() + static_cast<std::ptrdiff_t>(frontId_ - last - 1);
-    Point p = *point;
-    std::int64_t const side0 = a * (static_cast<std::int64_t>(p.x) - from.x) + b * (static_cast<std::int64_t>(p.y) - from.y);
-    int sideP = (side0 > 0) - (side0 < 0);
-    for (std::int64_t n = last - first; n >= 0; --n) {
-      ++point;
-      Point const q = *point;
-      std::int64_t const v = a * (static_cast<std::int64_t>(q.x) - from.x) + b * (static_cast<std::int64_t>(q.y) - from.y);
-      int const sideQ = (v > 0) - (v < 0);
-      if (sideP * sideQ <= 0 && Side(from, p, q) * Side(to, p, q) <= 0) {
-        return true;
+    std::int64_t const firstFine = std::max(coarse << (kCoarseShift - kFineShift), fine_.back);
+    std::int64_t const lastFine = std::min(((coarse + 1) << (kCoarseShift - kFineShift)) - 1, highestId >> kFineShift);
+    for (std::int64_t block = firstFine; block <= lastFine; ++block) {
+      if (missesLine(fine_.box(block))) {
+        continue;
       }
-      p = q;
-      sideP = sideQ;
+      std::int64_t const first = std::max(block << kFineShift, lowestId);
+      std::int64_t const last = std::min(((block + 1) << kFineShift) - 1, highestId);
+      // Segments k from frontId_ - last to frontId_ - first, walked from the newer end: each point's
+      // side of the query line is taken once.
+      auto point = points_.begin() + static_cast<std::ptrdiff_t>(frontId_ - last - 1);
+      Point p = *point;
+      std::int64_t const side0 =
+          a * (static_cast<std::int64_t>(p.x) - from.x) + b * (static_cast<std::int64_t>(p.y) - from.y);
+      int sideP = (side0 > 0) - (side0 < 0);
+      for (std::int64_t n = last - first; n >= 0; --n) {
+        ++point;
+        Point const q = *point;
+        std::int64_t const v =
+            a * (static_cast<std::int64_t>(q.x) - from.x) + b * (static_cast<std::int64_t>(q.y) - from.y);
+        int const sideQ = (v > 0) - (v < 0);
+        if (sideP * sideQ <= 0 && Side(from, p, q) * Side(to, p, q) <= 0) {
+          return true;
+        }
+        p = q;
+        sideP = sideQ;
+      }
     }
   }
   return false;

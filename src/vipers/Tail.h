@@ -10,11 +10,12 @@
 // and is cut back at the far end to its target length. Integer arithmetic only.
 //
 // Crossing tests must stay cheap on tails of tens of thousands of points, since every head tests
-// every tail every frame. Each point gets a running number (the front has the highest), and each
-// block of 32 numbers keeps a box that holds its points and the first point of the next block, so it
-// holds every segment whose older end lies in the block. A query skips a block whose box lies wholly
-// on one side of the query's line: no segment there can pass the crossing test, which needs a segment
-// to touch that line. The boxes only ever grow while their block lives, so they never miss a point.
+// every tail every frame. Each point gets a running number (the front has the highest), and the numbers
+// are cut into blocks on two levels, of 64 and of 8 points. Each block keeps a box that holds its
+// points and the first point of the next block, so it holds every segment whose older end lies in the
+// block. A query skips a block whose box lies wholly on one side of the query's line: no segment there
+// can pass the crossing test, which needs a segment to touch that line. The boxes only ever grow while
+// their block lives, so they never miss a point.
 class Tail {
 public:
   explicit Tail(Vec2<AviatorCoord> start);
@@ -45,7 +46,22 @@ private:
     std::int32_t maxY = INT32_MIN;
     void add(Vec2<AviatorCoord> p);
   };
-  static constexpr int kBlockShift = 5;
+  // The boxes of one level: block b numbers the points (b << shift) to ((b + 1) << shift) - 1.
+  struct BoxLevel {
+    int shift = 0;
+    std::deque<Box> boxes;  // boxes[i] belongs to block back + i
+    std::int64_t back = 0;
+
+    // A new point at the front: into its block, and into the block before if it opens its own.
+    void addFront(std::int64_t id, Vec2<AviatorCoord> p);
+    // A point that moved: into the block that it is in.
+    void addTo(std::int64_t id, Vec2<AviatorCoord> p) { boxes[static_cast<std::size_t>((id >> shift) - back)].add(p); }
+    // Drops the blocks that hold no segment from the point numbered backId on.
+    void dropBefore(std::int64_t backId);
+    Box const& box(std::int64_t block) const { return boxes[static_cast<std::size_t>(block - back)]; }
+  };
+  static constexpr int kFineShift = 3;
+  static constexpr int kCoarseShift = 6;
 
   void pushFront(Vec2<AviatorCoord> p);
   void popFront();
@@ -59,7 +75,6 @@ private:
 
   // points_[k] has the number frontId_ - k.
   std::int64_t frontId_ = 0;
-  // boxes_[i] belongs to block backBlock_ + i; block b numbers the points 32b to 32b + 31.
-  std::deque<Box> boxes_;
-  std::int64_t backBlock_ = 0;
+  BoxLevel fine_{kFineShift, {}, 0};
+  BoxLevel coarse_{kCoarseShift, {}, 0};
 };

@@ -247,3 +247,34 @@ TEST_F(MainLoopContextTest, PacedFramesRecordTheirSections) {
   unpaced->runOneFrame(false);
   EXPECT_TRUE(unpaced->timings.sections.empty());
 }
+
+// Recordings come from the server and from files: a spec that names what this client doesn't have ends
+// at a clear error, never in a crash.
+TEST_F(MainLoopContextTest, AHostileRecordingIsRefusedClearly) {
+  struct Case {
+    char const* what;
+    GameSpec spec;
+    std::vector<unsigned short> slots;
+  };
+  GameSettings noMap;
+  GameSettings unknownMap;
+  unknownMap.strings["map"] = "no such map";
+  Case const cases[] = {
+      {"a challenge index past the table", GameSpec{Game::GlowHorde, CoopChallengeIndex{999}, 15, 1, 1}, {0}},
+      {"a ranked match index past the table", GameSpec{Game::Aviators, RankedMatchIndex{999}, 15, 2, 2}, {0, 1}},
+      {"custom settings without a map", GameSpec{Game::Vipers, noMap, 15, 1, 1}, {0}},
+      {"custom settings with an unknown map", GameSpec{Game::GlowHorde, unknownMap, 15, 1, 1}, {0}},
+      {"a slot the map doesn't have", GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1}, {9}},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.what);
+    auto context = create();
+    GameResults results;
+    ToBytes(c.spec, results.specBytes);
+    results.playerSlots = c.slots;
+    context->shared.recordings.push_back(Recording({}, results));
+    source.frames = {{UICmd::ReplaySelectedRecording{0}}};
+    EXPECT_TRUE(ErrorText([&] { context->runOneFrame(false); }).starts_with("The recording can't be replayed: "));
+    EXPECT_EQ(context->stateIndex(), 0u);
+  }
+}

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # The real client at a real (virtual) X display, driven by real mouse and keyboard events:
-#   1. at 1280x720: main menu -> "Glow Horde tutorial" -> "Play" -> dig down chosen by key (F5) and given by a
-#      click near the hordeling -> the level is won -> "Return to lobby" -> the tutorial page, level 1
-#      completed and level 2 unlocked, as progress.ini says; then "Recording replay" -> a Glow Horde
-#      recording made by the driver is selected, replayed to its end and proved -> back on the page;
-#   2. at 1920x1080: main menu -> "Credentials setup" -> a credentials string typed into the field is judged
-#      valid -> "Set credentials" -> "Credentials found", credentials.bin holds it -> the main menu offers
-#      "Connect to server" -> connecting ends at the fatal error screen with its sentence.
+#   1. at 1280x720: main menu ("Connect to server" disabled, with its tooltip) -> "Glow Horde tutorial" ->
+#      "Play" -> dig down chosen by key (F5) and given by a click near the hordeling -> the level is won ->
+#      "Return to lobby" -> the tutorial page, level 1 completed and level 2 unlocked, as progress.ini
+#      says; then "Recording replay" -> a Glow Horde recording made by the driver is selected, replayed
+#      to its end and proved -> back on the page;
+#   2. at 1920x1080: main menu -> the tutorial page (level 1 completed) -> the replay page -> "Credentials
+#      setup" -> a credentials string typed into the field is judged valid -> "Set credentials" ->
+#      "Credentials found", credentials.bin holds it -> the main menu offers "Connect to server"
+#      -> connecting ends at the fatal error screen with its sentence.
 # Screenshots of every step stay in SCREENS_DIR for a developer to look at.
 # Usage: client_window.sh CLIENT DRIVER SCREENS_DIR        (skips, status 77, without xvfb-run)
 set -u
@@ -21,8 +23,7 @@ if [ "${1:-}" = "--inner" ]; then
   fail() { echo "FAIL: $*"; shot "failure-$phase"; echo "--- client output"; cat "$work/client-$phase.txt"; exit 1; }
   # The number of pixels of colour $2 (as #RRGGBB) in the region $3 (WxH+X+Y) of the screen.
   count_colour() {
-    import -window root "$work/screen.png"
-    convert "$work/screen.png" -crop "$2" +repage txt:- 2>/dev/null | grep -ic "$1"
+    import -window root -crop "$2" -depth 8 txt:- 2>/dev/null | grep -ic "$1"
   }
   # Waits up to $3 seconds until the screen's region $2 shows colour $1.
   wait_colour() {
@@ -36,8 +37,7 @@ if [ "${1:-}" = "--inner" ]; then
   }
   # The mean position "x y" of colour $1 in the region given as width height x y.
   find_colour() {
-    import -window root "$work/screen.png"
-    convert "$work/screen.png" -crop "${2}x${3}+${4}+${5}" +repage txt:- 2>/dev/null | grep -i "$1" |
+    import -window root -crop "${2}x${3}+${4}+${5}" -depth 8 txt:- 2>/dev/null | grep -i "$1" |
       awk -v x0="$4" -v y0="$5" -F'[,:]' '{ sx += $1; sy += $2; n++ } END { if (n > 0) printf "%d %d\n", x0 + sx / n, y0 + sy / n }'
   }
 
@@ -75,8 +75,12 @@ if [ "${1:-}" = "--inner" ]; then
 
   if [ "$phase" = tutorial ]; then
     shot 720-01-main-menu
+    # Without credentials "Connect to server" is disabled, with its tooltip, and a click on it does nothing.
+    click 640 507 0.6
+    shot 720-02-connect-disabled
+    [ "$(count_colour "#FFFFFF" 200x60+805+505)" -gt 0 ] || fail "the disabled \"Connect to server\" shows no tooltip"
     click 640 449
-    shot 720-02-tutorial-page
+    shot 720-02b-tutorial-page
     [ "$(count_colour "$green_text" 1280x600+0+60)" -eq 0 ] || fail "a fresh tutorial page shows a completed level"
     click 640 168 1
     # The hordeling drops onto the floor of the level's cave; dig down is chosen with its key and given
@@ -132,27 +136,37 @@ if [ "${1:-}" = "--inner" ]; then
   else
     shot 1080-01-main-menu
     # The first click after the window was moved and sized may reach the client before it has taken the
-    # new geometry in: it is repeated until the page opens.
+    # new geometry in: it is repeated until the page opens. The tutorial page shows the level won at
+    # 1280x720 (the storage is the same).
     for _ in 1 2 3; do
-      click 960 638
-      [ "$(count_colour "$orange_text" 1920x30+0+75)" -gt 0 ] && break
+      click 960 609
+      [ "$(count_colour "$green_text" 1920x120+0+140)" -gt 0 ] && break
     done
-    shot 1080-02-credentials-page
+    [ "$(count_colour "$green_text" 1920x120+0+140)" -gt 0 ] || fail "the tutorial page doesn't show level 1 completed"
+    shot 1080-02-tutorial-page
+    click 960 557
+    click 960 696
+    click 200 116
+    shot 1080-03-replay-details
+    click 150 142
+    click 960 638
+    [ "$(count_colour "$orange_text" 1920x30+0+75)" -gt 0 ] || fail "the credentials page didn't open"
+    shot 1080-04-credentials-page
     click 960 209 0.3
     xdotool type --delay 30 "AQECAwQFBgcI EBESExQVFhcYGRobHB0eH4tl"
-    sleep 1.5
-    shot 1080-03-string-typed
-    [ "$(count_colour "$green_text" 1920x30+0+255)" -gt 0 ] || fail "the typed string isn't judged valid"
+    # The characters reach the field one a frame; the string is judged as it is typed.
+    wait_colour "$green_text" 1920x30+0+255 10 || fail "the typed string isn't judged valid"
+    shot 1080-05-string-typed
     click 960 288 1
-    shot 1080-04-credentials-found
+    shot 1080-06-credentials-found
     [ "$(count_colour "$green_text" 1920x30+0+75)" -gt 0 ] || fail "the page doesn't say \"Credentials found\""
     [ "$(od -An -tx1 "$client_dir/credentials.bin" | tr -d ' \n')" = \
       "04000000416e6f6e08000000010203040506070810000000101112131415161718191a1b1c1d1e1f" ] ||
       fail "credentials.bin doesn't hold the typed credentials"
     click 960 167
-    shot 1080-05-main-menu-with-credentials
+    shot 1080-07-main-menu-with-credentials
     click 960 667 1.5
-    shot 1080-06-connect-fatal-error
+    shot 1080-08-connect-fatal-error
     grep -q "^Fatal error: Can't connect to the server" "$work/client-$phase.txt" ||
       fail "connecting didn't end at the fatal error screen"
   fi
@@ -198,6 +212,6 @@ phase() {
   done
   [ "$status" -eq 0 ] || exit 1
 }
-phase tutorial 1280x720 150
-phase credentials 1920x1080 60
+phase tutorial 1280x720 180
+phase credentials 1920x1080 90
 echo "PASS: the client at 1280x720 and 1920x1080, screenshots in $screens"

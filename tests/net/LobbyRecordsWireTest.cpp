@@ -64,3 +64,17 @@ TEST(LobbyRecordsWire, GameResultsFailsOnAnyMissingField) {
     EXPECT_FALSE(Decode(prefix, results).ok) << "cut at " << cut;
   }
 }
+
+// An absent entry is one byte on the wire: the reader bounds the count by what 2-byte numbers can
+// address, so a long message of absent entries can't make it allocate hundreds of times its size.
+TEST(LobbyRecordsWire, LobbyStateEntriesAreBoundedByTheNumberRange) {
+  for (std::size_t count : {std::size_t{65536}, std::size_t{65537}}) {
+    Bytes bytes = Count(count);
+    bytes.resize(8 + count, 0);
+    Bytes const rooms = Count(0);
+    bytes.insert(bytes.end(), rooms.begin(), rooms.end());
+    LobbyState state;
+    EXPECT_EQ(Decode(bytes, state).ok, count == 65536) << count;
+    EXPECT_EQ(state.players.size(), count == 65536 ? count : 0u) << count;
+  }
+}

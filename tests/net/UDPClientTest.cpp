@@ -108,3 +108,23 @@ TEST(UDPClientTest, SendsAndReceivesDatagramsAndSkipsEmptyOnes) {
   EXPECT_EQ(got, std::vector<Bytes>{Of({3, 1})});
   ::close(server);
 }
+
+TEST(UDPClientTest, AuthenticationGivesUpAfterItsTimeLimit) {
+  int const silent = loopback::Bound(SOCK_DGRAM);
+  UDPClient client("127.0.0.1", loopback::PortOf(silent));
+  try {
+    AuthenticateUDPClient(client, 5, std::chrono::milliseconds(450));
+    ADD_FAILURE() << "authenticated";
+  } catch (std::runtime_error const& error) {
+    EXPECT_STREQ(error.what(), "Disconnected from, or failed to connect to UDP server");
+  }
+  int requests = 0;
+  unsigned char buffer[16];
+  while (loopback::Readable(silent, 0) && ::recv(silent, buffer, sizeof(buffer), 0) == 9) {
+    ++requests;
+  }
+  // At 0, 200 and 400 milliseconds; a machine under load may sleep past the last one.
+  EXPECT_GE(requests, 2);
+  EXPECT_LE(requests, 3);
+  ::close(silent);
+}

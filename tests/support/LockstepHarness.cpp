@@ -358,7 +358,9 @@ LockstepGame RandomLockstepGame(IGame const& game, std::uint64_t seed) {
   out.seed = seed;
   for (SchemaEntry const& entry : game.schema) {
     if (entry.kind == SchemaEntry::Integer) {
-      out.settings.ints[entry.key] = Between(random, entry.minimum, entry.maximum);
+      // A schema may hold its bounds the wrong way round (the room page shows them as they stand).
+      out.settings.ints[entry.key] =
+          Between(random, std::min(entry.minimum, entry.maximum), std::max(entry.minimum, entry.maximum));
     } else {
       // Only maps for two or more: a lockstep comparison needs at least two clients.
       std::vector<std::string> choices;

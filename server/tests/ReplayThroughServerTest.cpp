@@ -1,0 +1,189 @@
+// A real Glow Horde game between two clients over the real server, with the client's own network
+// classes; the recording downloaded from the server then replays to the result that both players
+// reported, the way the client's replay page proves a recording.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include "ServerTestSupport.h"
+#include "glow_horde/GlowHordeSimulation.h"
+#include "glow_horde/Order.h"
+#include "net/ConnectToLobbyServer.h"
+#include "net/GameRecordsWire.h"
+#include "net/LobbyClient.h"
+#include "net/NetworkOrderSource.h"
+#include "net/TCPClient.h"
+#include "sim/Games.h"
+#include "sim/Recording.h"
+#include "sim/ReplayOrderSource.h"
+#include "sim/ResultConsensus.h"
+#include "sim/UpdateSimulation.h"
+
+using namespace servertest;
+using namespace std::chrono_literals;
+
+namespace {
+
+using Frame = std::vector<Bytes>;
+
+bool Poll(std::function<void()> const& pump, std::function<bool()> const& done, std::chrono::milliseconds limit = 5000ms) {
+  auto const deadline = std::chrono::steady_clock::now() + limit;
+  while (std::chrono::steady_clock::now() < deadline) {
+    pump();
+    if (done()) return true;
+    std::this_thread::sleep_for(1ms);
+  }
+  return false;
+}
+
+// Glow Horde's simulation with orders drawn from the frame number: clicks near its own units.
+struct Horde {
+  std::unique_ptr<GlowHordeSimulation> simulation;
+  unsigned seed = 0;
+  bool gameEnded() const { return simulation->gameEnded(); }
+  bool gameEnded_LocalPlayer() const { return simulation->gameEnded_LocalPlayer(); }
+  Bytes processUIInputsAndGetOurNextOrder() {
+    std::mt19937 random(seed * 7919u + simulation->frame());
+    auto const& units = simulation->localPlayerState().lemmings();
+    if (seed == 0 || random() % 5 != 0 || units.empty()) return {};
+    Position const near = units[random() % units.size()].position();
+    UIOrder click;
+    click.x = near.x + static_cast<int>(random() % 21) - 10;
+    click.y = near.y + static_cast<int>(random() % 21) - 10;
+    click.activity = static_cast<LemmingActivity>(random() % k_lemmingActivityCount);
+    auto const order = simulation->localPlayerState().resolveUIOrder(click);
+    return order ? order->toBytes() : Bytes{};
+  }
+  void update(Frame const& orders, Bytes ourOrder) { simulation->update(orders, ourOrder); }
+  Bytes result() const {
+    GameResult result;
+    simulation->getGameResult(result);
+    Bytes bytes;
+    ToBytes(result, bytes);
+    return bytes;
+  }
+};
+
+struct Seat {
+  std::shared_ptr<TCPClient> transport;
+  std::unique_ptr<LobbyClient> lobby;
+  std::vector<unsigned short> finished;
+  void pump() { lobby->processMessages(finished); }
+};
+
+Seat Join(unsigned short port, Credentials const& credentials, std::string const& storage) {
+  Seat seat;
+  seat.transport = std::make_shared<TCPClient>("127.0.0.1", port);
+  EXPECT_TRUE(Poll([&] { seat.transport->complete_connection(); }, [&] { return seat.transport->is_connected(); }));
+  ConnectToLobbyServer handshake(seat.transport, credentials);
+  EXPECT_TRUE(Poll([&] { handshake.connect(); },
+                   [&] { return handshake.state() == ConnectToLobbyServer::State::Authenticated; }));
+  seat.lobby = std::make_unique<LobbyClient>(seat.transport, handshake.localPlayerNumber(), handshake.serverInfo().infoB,
+                                             storage);
+  EXPECT_TRUE(Poll([&] { seat.pump(); }, [&] { return seat.lobby->localPlayer() != nullptr; }));
+  return seat;
+}
+
+}  // namespace
+
+TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
+  static Games const games;
+  IGame const& horde = games.refGame(Game::GlowHorde);
+  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
+  settings.strings["map"] = "Cauldrons";
+  settings.ints["duration_seconds"] = 6;
+  settings.ints["number_to_spawn"] = 15;
+  settings.ints["spawn_interval_deciseconds"] = 3;
+  GameSpec const spec{Game::GlowHorde, settings, 10, 2, 2};
+
+  std::string const data = FreshDirectory("replay");
+  std::string const storage = FreshDirectory("replay-client");
+  ServerProcess server(data);
+  std::vector<Seat> seats;
+  seats.push_back(Join(server.lobbyPort(), MintWithCommand(data, "Ann"), storage + "/0"));
+  seats.push_back(Join(server.lobbyPort(), MintWithCommand(data, "Ben"), storage + "/1"));
+  seats[0].lobby->requestCreateGame("replay", spec);
+  ASSERT_TRUE(Poll([&] { seats[0].pump(); }, [&] { return seats[0].lobby->localRoom() != nullptr; }));
+  seats[1].lobby->moveToGameRoom(seats[0].lobby->localPlayer()->roomIndex);
+  ASSERT_TRUE(Poll([&] { seats[1].pump(); }, [&] { return seats[1].lobby->localRoom() != nullptr; }));
+  for (Seat& seat : seats) seat.lobby->setReadyState(true);
+  ASSERT_TRUE(Poll([&] { seats[0].pump(); }, [&] { return seats[0].lobby->localRoom()->ready == std::vector<bool>{true, true}; }));
+  seats[0].lobby->requestGameStart();
+  for (Seat& seat : seats) {
+    ASSERT_TRUE(Poll([&] { seat.pump(); }, [&] { return seat.lobby->gameStartInfo() && seat.lobby->isUDPServerRunning(); }));
+  }
+
+  MapSettings const& map = horde.maps.at("Cauldrons");
+  std::vector<unsigned short> slots;
+  for (short slot : seats[0].lobby->gameStartInfo()->assignedSlots) slots.push_back(static_cast<unsigned short>(slot));
+  unsigned short const udpPort = static_cast<unsigned short>(server.lobbyPort() + seats[0].lobby->gameStartInfo()->portOffset);
+  std::vector<std::shared_ptr<TandemClient<UDPClient>>> clients;
+  std::vector<NetworkOrderSource> sources;
+  std::vector<Horde> sessions(2);
+  for (int c = 0; c < 2; ++c) {
+    clients.push_back(std::make_shared<TandemClient<UDPClient>>("127.0.0.1", udpPort, 2, spec.delayFrames,
+                                                                seats[static_cast<std::size_t>(c)].lobby->authToken()));
+    sources.emplace_back(clients.back());
+    sessions[static_cast<std::size_t>(c)].simulation =
+        std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, spec.delayFrames, settings, map, slots);
+    sessions[static_cast<std::size_t>(c)].seed = static_cast<unsigned>(c + 1);
+  }
+  std::vector<int> stalls(2, 0);
+  testing::internal::CaptureStdout();
+  auto const deadline = std::chrono::steady_clock::now() + 60s;
+  while (!(sessions[0].gameEnded() && sessions[1].gameEnded()) && std::chrono::steady_clock::now() < deadline) {
+    bool stepped = false;
+    for (int c = 0; c < 2; ++c) {
+      auto const i = static_cast<std::size_t>(c);
+      stepped = UpdateSimulation(sessions[i], sources[i], stalls[c]) || stepped;
+      seats[i].lobby->sendKeepAliveIfNeeded();
+    }
+    if (!stepped) std::this_thread::sleep_for(200us);
+  }
+  testing::internal::GetCapturedStdout();
+  ASSERT_TRUE(sessions[0].gameEnded() && sessions[1].gameEnded());
+  Bytes const result = sessions[0].result();
+  ASSERT_EQ(sessions[1].result(), result);
+
+  for (int c = 0; c < 2; ++c) {
+    GameResult parsed;
+    unsigned char const* cursor = result.data();
+    std::size_t remaining = result.size();
+    ASSERT_TRUE(FromBytes(cursor, remaining, parsed));
+    seats[static_cast<std::size_t>(c)].lobby->notifyGameEnd(parsed);
+  }
+  for (Seat& seat : seats) {
+    ASSERT_TRUE(Poll([&] { seat.pump(); }, [&] { return !seat.finished.empty(); }));
+  }
+  unsigned short const game = seats[1].finished.back();
+  seats[1].lobby->requestRecording(game);
+  ASSERT_TRUE(Poll([&] { seats[1].pump(); }, [&] { return seats[1].lobby->getRecordingStatus(game).onDisk; }));
+  Recording const recording(seats[1].lobby->recordingPath(game));
+  int ordersRecorded = 0;
+  for (int k = 0; k < static_cast<int>(recording.updates.size()); ++k) {
+    for (Bytes const& order : recording.allUpdatesOnFrame(k)) ordersRecorded += order.empty() ? 0 : 1;
+  }
+  EXPECT_GT(ordersRecorded, 10);  // the players' orders went through the relay into the recording
+  auto const agreed = AgreedResultBytes(recording.results);
+  ASSERT_TRUE(agreed);
+  EXPECT_EQ(*agreed, result);
+
+  // The replay: a fresh session fed by the recording, in the first player's seat, to its end.
+  GameSpec const recorded = ParseGameSpec(recording.results.specBytes);
+  Horde replay;
+  replay.simulation = std::make_unique<GlowHordeSimulation>(nullptr, 0, 16666, recorded.delayFrames,
+                                                            std::get<GameSettings>(recorded.settings), map,
+                                                            recording.results.playerSlots);
+  ReplayOrderSource source(recording, 0, recording.players(), recorded.delayFrames);
+  int stalled = 0;
+  for (int step = 0; step < 100000 && !replay.gameEnded(); ++step) {
+    UpdateSimulation(replay, source, stalled);
+  }
+  ASSERT_TRUE(replay.gameEnded());
+  EXPECT_EQ(replay.result(), *agreed);
+  EXPECT_EQ(replay.simulation->localBaseDigest(), sessions[0].simulation->localBaseDigest());
+  std::filesystem::remove_all(storage);
+}
