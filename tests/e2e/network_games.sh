@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Network games end to end: our server on loopback and headless drivers as its clients. Two players
 # play a ranked Glow Horde game, a ranked Vipers game, a Glow Horde co-op challenge and a ranked
-# Aviators game, each to the same end frame; then a Vipers game whose guest is killed mid-game. Every client must report
+# Aviators game, then three players a ranked Glow Horde game, each to the same end frame; then a Vipers game whose guest is killed mid-game. Every client must report
 # byte-equal results that the server marks as agreed, every client must hold the same ratings, and
 # those ratings must be the ones that the Glicko-2 rules give, worked out here independently from the
 # reported results. The co-op result must be in every client's high score table, the killed player
@@ -17,6 +17,7 @@ touch "$work/out.txt" "$work/err.txt"
 
 "$server" account add alice --data "$work/data" --credentials-file "$work/alice.bin" >/dev/null || fail "account add"
 "$server" account add bob --data "$work/data" --credentials-file "$work/bob.bin" >/dev/null || fail "account add"
+"$server" account add carol --data "$work/data" --credentials-file "$work/carol.bin" >/dev/null || fail "account add"
 port=0
 for attempt in 1 2 3 4 5; do
   port=$((20000 + RANDOM % 40000))
@@ -29,9 +30,9 @@ done
 grep -q '^Server running' "$work/server.log" || { cat "$work/server.log"; fail "the server did not start"; }
 trap 'kill "$server_pid" 2>/dev/null; wait "$server_pid" 2>/dev/null; rm -rf "$work"' EXIT
 
-# script NAME GAME KIND INDEX RESULT: a client script with its blanks filled in.
+# script NAME GAME KIND INDEX RESULT [PLAYERS]: a client script with its blanks filled in.
 script() {
-  sed "s/GAME/$2/; s/KIND/$3/; s/INDEX/$4/; s/RESULTNUMBER/$5/g" "$scripts/$1.txt" >"$work/$1-$5.txt"
+  sed "s/GAME/$2/; s/KIND/$3/; s/INDEX/$4/; s/RESULTNUMBER/$5/g; s/PLAYERS/${6:-2}/g" "$scripts/$1.txt" >"$work/$1-$5.txt"
 }
 run() {  # run NAME STORAGE CREDENTIALS SCRIPT: one driver in the background, bounded unless $bound is empty
   mkdir -p "$work/$2"
@@ -43,25 +44,31 @@ check() {  # check NAME: the driver passed
 }
 
 phase=0
-for game in "glow_horde ranked 0" "vipers ranked 0" "glow_horde challenge 1" "aviators ranked 0"; do
+for game in "glow_horde ranked 0 2" "vipers ranked 0 2" "glow_horde challenge 1 2" "aviators ranked 0 2" \
+  "glow_horde ranked 1 3"; do
   set -- $game
-  script host "$1" "$2" "$3" "$phase"
-  script guest "$1" "$2" "$3" "$phase"
+  script host "$1" "$2" "$3" "$phase" "$4"
+  script guest "$1" "$2" "$3" "$phase" "$4"
   run "host$phase" host alice.bin "$work/host-$phase.txt"; host=$!
   run "guest$phase" guest bob.bin "$work/guest-$phase.txt"; guest=$!
+  third=""
+  if [ "$4" -eq 3 ]; then
+    run "third$phase" third carol.bin "$work/guest-$phase.txt"; third=$!
+  fi
   check "$host" "host$phase"
   check "$guest" "guest$phase"
+  [ -z "$third" ] || check "$third" "third$phase"
   phase=$((phase + 1))
 done
 
 # A Vipers game whose guest dies mid-game.
-script survivor vipers ranked 0 4
-script guest vipers ranked 0 4
+script survivor vipers ranked 0 5
+script guest vipers ranked 0 5
 # The victim would play on far beyond the host's end; it is killed long before.
-sed -i 's/^wait_game_frame 600 20000$/wait_game_frame 1000000 1000000/' "$work/guest-4.txt"
-run survivor host alice.bin "$work/survivor-4.txt"; host=$!
+sed -i 's/^wait_game_frame 600 20000$/wait_game_frame 1000000 1000000/' "$work/guest-5.txt"
+run survivor host alice.bin "$work/survivor-5.txt"; host=$!
 # Without a timeout wrapper, so that $! is the driver itself; it is killed below in any case.
-bound="" run victim guest bob.bin "$work/guest-4.txt"; victim=$!
+bound="" run victim guest bob.bin "$work/guest-5.txt"; victim=$!
 for _ in $(seq 300); do grep -q '^Game started' "$work/victim.out" && break; sleep 0.1; done
 grep -q '^Game started' "$work/victim.out" || fail "the victim's game did not start"
 sleep 0.2
@@ -126,8 +133,9 @@ m, p, s = glicko(0.0, 200 / SCALE, 0.06, [((1400 - 1500) / SCALE, 30 / SCALE, 1.
 assert (round(m * SCALE + 1500, 2), round(p * SCALE, 2), round(s, 6)) == (1464.05, 151.52, 0.059996), (m, p, s)
 
 tables = {"glow_horde": {}, "ships": {}}
+games_rated = [0, 0]
 final = events("survivor", "game_results")
-assert [g["game"] for g in final] == [0, 1, 2, 3, 4], final
+assert [g["game"] for g in final] == [0, 1, 2, 3, 4, 5], final
 for game in final:
     assert game["finished"] and game["agreed"], game
     reports = [r for r in game["reports"].split(",") if r]
@@ -138,21 +146,30 @@ for game in final:
         continue
     rows = result_rows(reports[0])
     players = game["players"].split(",")
-    assert len(players) == 2 and game["slots"] == "0,1"
-    # Row i is player i's (teams of one in slots 0 and 1); more is better, element by element.
-    score0 = 0.5 if rows[0] == rows[-1] else (1.0 if rows[0] > rows[1] else 0.0)
+    assert game["slots"] == ",".join(str(i) for i in range(len(players))), game["slots"]
+    # Every player is a team of one in slots 0, 1, ... and row i is player i's; more is better, element
+    # by element. A result of fewer rows must be a draw of all (nobody scored).
+    if len(rows) != len(players):
+        assert all(r == rows[0] for r in rows), rows
+        rows = [rows[0]] * len(players)
     table = tables["glow_horde" if which == 0 else "ships"]
     before = [table.get(p, (0.0, 350 / SCALE, 0.06)) for p in players]
-    after = [glicko(*before[0], [(before[1][0], before[1][1], score0)]),
-             glicko(*before[1], [(before[0][0], before[0][1], 1 - score0)])]
+    after = []
+    for i, (mu, phi, sigma) in enumerate(before):
+        opponents = [(before[j][0], before[j][1], 0.5 if rows[i] == rows[j] else (1.0 if rows[i] > rows[j] else 0.0))
+                     for j in range(len(players)) if j != i]
+        new = glicko(mu, phi, sigma, opponents)
+        f = 1 / math.sqrt(len(opponents))  # several opponents count as about the root of their number
+        after.append(tuple(old + (x - old) * f for old, x in zip((mu, phi, sigma), new)))
     for p, r in zip(players, after):
         table[p] = r
+    games_rated[which == 0] += 1
 
 def logged(name):
     return {(e["ranking"], e["player"]): (e["rating"], e["deviation"], e["volatility"]) for e in events(name, "rating")}
 
 expected = {(k, p): (mu * SCALE + 1500, phi * SCALE, sigma) for k, t in tables.items() for p, (mu, phi, sigma) in t.items()}
-assert len(expected) == 4, expected
+assert len(expected) == 5 and games_rated == [3, 2], (expected, games_rated)  # [ship games, Glow Horde]
 for name in ["survivor"]:
     got = logged(name)
     assert got.keys() == expected.keys(), (got, expected)
@@ -160,17 +177,19 @@ for name in ["survivor"]:
         for x, y in zip(values, got[key]):
             assert abs(x - y) < 1e-9 * max(1, abs(x)), (key, values, got[key])
 # The two clients of each game hold byte-equal reports and the same tables.
-for phase in range(4):
+for phase in range(5):
     assert events(f"host{phase}", "game_results") == events(f"guest{phase}", "game_results")
     assert logged(f"host{phase}") == logged(f"guest{phase}")
     assert events(f"host{phase}", "high_score") == events(f"guest{phase}", "high_score")
+assert events("third4", "game_results") == events("host4", "game_results")
+assert logged("third4") == logged("host4")
 challenge = [e for e in events("guest2", "high_score") if e["challenge"] == 1]
 assert [e["game"] for e in challenge] == [2], challenge
-killed = final[4]["reports"].split(",")
+killed = final[5]["reports"].split(",")
 assert killed[0] and not killed[1], "the killed player's report should be missing"
 print("ratings", {k: tuple(round(x, 6) for x in v) for k, v in expected.items()})
 PY
-grep -q "Player 1 dropped from game 4" "$work/server.log" || fail "the server didn't drop the killed player"
+grep -q "Player 1 dropped from game 5" "$work/server.log" || fail "the server didn't drop the killed player"
 
 # The recordings that the host downloaded replay to the reported results on a fresh client.
 for number in 0 1 3; do
