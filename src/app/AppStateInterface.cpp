@@ -7,6 +7,7 @@
 #include "sim/Games.h"
 #include "sim/IGame.h"
 #include "sim/IRunningGame.h"
+#include "net/LobbyClient.h"
 #include "net/LobbyState.h"
 #include "app/QZAssert.h"
 
@@ -58,12 +59,28 @@ std::string AppStateInterface::formatGameResult(Game which, std::vector<long lon
   return games_->refGame(which).formatResult(row, isTeamResult);
 }
 
-std::vector<unsigned int> AppStateInterface::getPlayedGames() const { NoLobbyClient("The list of played games"); }
-
-GameResults const& AppStateInterface::refPlayedGameResults(unsigned int) const {
-  NoLobbyClient("The results of a played game");
+std::vector<unsigned int> AppStateInterface::getPlayedGames() const {
+  if (lobby.client == nullptr) {
+    NoLobbyClient("The list of played games");
+  }
+  std::vector<std::uint32_t> const numbers = lobby.client->getPlayedGames();
+  return {numbers.begin(), numbers.end()};
 }
 
-RecordingStatus AppStateInterface::getRecordingStatus(unsigned int) const {
-  NoLobbyClient("The status of a recording");
+GameResults const& AppStateInterface::refPlayedGameResults(unsigned int number) const {
+  if (lobby.client == nullptr) {
+    NoLobbyClient("The results of a played game");
+  }
+  GameResults const* results = lobby.client->playedGame(number);
+  if (results == nullptr) {
+    throw std::out_of_range("The lobby holds no results of game " + std::to_string(number) + ".");
+  }
+  return *results;
+}
+
+RecordingStatus AppStateInterface::getRecordingStatus(unsigned int number) const {
+  if (lobby.client == nullptr) {
+    NoLobbyClient("The status of a recording");
+  }
+  return lobby.client->getRecordingStatus(number);
 }

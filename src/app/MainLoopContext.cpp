@@ -12,6 +12,8 @@
 
 #include "net/GameRecordsWire.h"
 #include "net/LobbyRecordsWire.h"
+#include "net/NetworkOrderSource.h"
+#include "net/TCPClient.h"
 #include "sim/RecordingFiles.h"
 #include "sim/RecordingOrderSource.h"
 #include "sim/IGame.h"
@@ -88,6 +90,8 @@ void MainLoopContext::runOneFrame(bool skipRendering) {
 }
 
 void MainLoopContext::refreshOfflineSnapshot() {
+  // The lobby's pointers went with the connected state.
+  appState.lobby = LobbyData{};
   OfflineData& offline = appState.offline;
   if (offline.directory != shared.directory) {
     offline.directory = shared.directory;
@@ -133,12 +137,207 @@ void MainLoopContext::frame(mainloop::OfflineState& offline, bool skipRendering)
   }
 }
 
-void MainLoopContext::frame(mainloop::ConnectingState&, bool) {
-  throw std::runtime_error("The connecting state can't run: this client has no lobby connection yet.");
+void MainLoopContext::frame(mainloop::ConnectingState& connecting, bool skipRendering) {
+  appState.setMode(0);
+  refreshOfflineSnapshot();
+  if (connecting.phase == 1) {
+    if (!connecting.transport->is_connected()) {
+      throw std::runtime_error("Lost connection before completion of version exchange and authorisation");
+    }
+    connecting.handshake->connect();
+  } else {
+    connecting.transport->complete_connection();
+    if (connecting.transport->get_connection_state() != ConnectionState::Connecting) {
+      if (!connecting.transport->is_connected()) {
+        throw std::runtime_error("Failed to connect to server");
+      }
+      std::printf("(Transport connected)\n");
+      std::fflush(stdout);
+      connecting.handshake = std::make_unique<ConnectToLobbyServer>(connecting.transport, connecting.credentials);
+      connecting.phase = 1;
+    }
+  }
+  app->processEvents([](SDL_Event const&) {}, [this] { waitAndStartFrame(); }, quit);
+  endSection("events");
+  endSection("ui checks/snapshot update");
+  if (skipRendering) {
+    return;
+  }
+  CommandOutcome outcome;
+  renderingBlock(connecting, nullptr, outcome);
+  waitAndStartFrame();
+  if (connecting.handshake && connecting.handshake->state() == ConnectToLobbyServer::State::Authenticated) {
+    enterConnectedState(connecting);
+  }
 }
 
-void MainLoopContext::frame(mainloop::ConnectedState&, bool) {
-  throw std::runtime_error("The connected state can't run: this client has no lobby client yet.");
+void MainLoopContext::enterConnectedState(mainloop::ConnectingState& connecting) {
+  mainloop::ConnectedState next;
+  next.transport = connecting.transport;
+  next.lobby = std::make_unique<LobbyClient>(connecting.transport, connecting.handshake->localPlayerNumber(),
+                                             connecting.handshake->serverInfo().infoB, storageDirectory);
+  next.highScores = HighScoreTables(
+      Game::GlowHorde, static_cast<int>(shared.games.refGame(Game::GlowHorde).lookup.coopChallenges.size()));
+  next.lobby->scanForExistingRecordings();
+  next_.emplace(std::move(next));
+}
+
+void MainLoopContext::connectedBackground(mainloop::ConnectedState& connected) {
+  connected.lobby->sendKeepAliveIfNeeded();
+  if (connected.game) {
+    UpdateSimulation(*connected.game, *connected.orderSource, connected.stalledFrames);
+    endSection("simulation");
+  }
+  waitAndStartFrame();
+}
+
+void MainLoopContext::startOrEndNetworkGame(mainloop::ConnectedState& connected) {
+  LobbyClient& lobby = *connected.lobby;
+  bool const started = lobby.gameStartInfo().has_value();
+  if (!connected.game && started && lobby.isUDPServerRunning()) {
+    GameStartInfo const& info = *lobby.gameStartInfo();
+    GameSpec const spec = ParseGameSpec(lobby.gameSpec());
+    // The spec and the slots come from the server: a game, a slot or a player count that this client
+    // can't play is refused with a message instead of being read past an end.
+    if (static_cast<std::size_t>(spec.game) >= shared.games.size()) {
+      throw std::runtime_error("The server started a game that this client doesn't know.");
+    }
+    IGame const& game = shared.games.refGame(spec.game);
+    GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
+    std::uint16_t const places = game.maxPlayersForMap(ValueAt(settings.strings, std::string("map")));
+    std::vector<unsigned short> slots;
+    for (short slot : info.assignedSlots) {
+      if (slot < 0 || slot >= static_cast<short>(places)) {
+        throw std::runtime_error("The server assigned a slot that the game's map doesn't have.");
+      }
+      slots.push_back(static_cast<unsigned short>(slot));
+    }
+    if (slots.empty() || info.localPlayer >= slots.size()) {
+      throw std::runtime_error("The server started a game without this client's place in it.");
+    }
+    connected.startInfo = info;
+    std::printf("Creating tandem game client\n");
+    std::fflush(stdout);
+    connected.client = std::make_shared<TandemClient<UDPClient>>(
+        shared.ip, static_cast<unsigned short>(shared.port + info.portOffset), static_cast<int>(slots.size()),
+        static_cast<int>(spec.delayFrames), lobby.authToken());
+    std::printf("Tandem game client created\n");
+    std::fflush(stdout);
+    connected.orderSource = std::make_unique<NetworkOrderSource>(connected.client);
+    connected.game = game.startSession(app, info.localPlayer, kFramePeriod, spec.delayFrames, settings, slots, false);
+    connected.stalledFrames = 0;
+    std::printf("Game started\n");
+    std::fflush(stdout);
+  } else if (connected.game && !started) {
+    connected.game.reset();
+    connected.orderSource.reset();
+    connected.client.reset();
+    connected.gameEndNotified = false;
+  }
+}
+
+void MainLoopContext::refreshConnectedSnapshot(mainloop::ConnectedState& connected) {
+  LobbyClient const& lobby = *connected.lobby;
+  LobbyData& data = appState.lobby;
+  data.client = &lobby;
+  data.lobbyState = &lobby.lobbyState();
+  data.highScores = &connected.highScores;
+  data.glowHordeRatings = &connected.glowHordeRatings;
+  data.aviatorsRatings = &connected.aviatorsRatings;
+  data.playerNames = &lobby.playerNames();
+  data.serverLog = &lobby.serverLog();
+  data.localPlayerNumber = lobby.localPlayerNumber();
+  GameRoom const* room = lobby.localRoom();
+  data.allPlayersReady = room != nullptr;
+  data.playerCountInRoom = room != nullptr ? static_cast<int>(room->players.size()) : 0;
+  if (room != nullptr) {
+    for (bool ready : room->ready) {
+      data.allPlayersReady = data.allPlayersReady && ready;
+    }
+  }
+  if (!connected.game) {
+    PlayerInLobby const* local = lobby.localPlayer();
+    bool const inRoom = local != nullptr && local->roomIndex != PlayerInLobby::kNoRoom && room != nullptr;
+    appState.setMode(inRoom ? 2 : 1);
+    return;
+  }
+
+  IRunningGame& game = *connected.game;
+  game.nonEventDrivenUIChecks();
+  appState.setMode(3);
+  GameData& gameData = appState.game;
+  GameStartInfo const& info = connected.startInfo;
+  gameData.ended = game.gameEnded();
+  gameData.disconnected = lobby.getPlayerDisconnectedState();
+  gameData.localPlayerDisconnected =
+      info.localPlayer < gameData.disconnected.size() && gameData.disconnected[info.localPlayer];
+  gameData.localPlayer = info.localPlayer;
+  gameData.playerNames.resize(info.players.size());
+  LobbyState const& state = lobby.lobbyState();
+  for (std::size_t i = 0; i < info.players.size(); ++i) {
+    unsigned short const number = info.players[i];
+    std::string name;
+    if (number < state.players.size() && state.players[number]) {
+      name = lobby.playerNames().playerName(state.players[number]->playerId);
+    }
+    if (gameData.playerNames[i] != name) {
+      gameData.playerNames[i] = std::move(name);
+    }
+  }
+  gameData.players.assign(info.assignedSlots.begin(), info.assignedSlots.end());
+  gameData.game = &game;
+  gameData.stalledFrames = connected.stalledFrames;
+}
+
+void MainLoopContext::frame(mainloop::ConnectedState& connected, bool skipRendering) {
+  finishedGames_.clear();
+  connected.lobby->processMessages(finishedGames_);
+  for (unsigned short number : finishedGames_) {
+    if (GameResults const* results = connected.lobby->playedGame(number)) {
+      connected.feed.take(number, *results, shared.games, connected.highScores, connected.glowHordeRatings,
+                          connected.aviatorsRatings);
+    }
+  }
+  endSection("network");
+  startOrEndNetworkGame(connected);
+  endSection("transitions");
+
+  IRunningGame* game = connected.game.get();
+  std::function<void()> background = [] {};
+  if (!noFramePacing) {
+    background = [this, &connected] { connectedBackground(connected); };
+  }
+  app->processEvents(
+      [game](SDL_Event const& event) {
+        if (game != nullptr) {
+          game->eventHandler(event);
+        }
+      },
+      std::move(background), quit);
+  endSection("events");
+  refreshConnectedSnapshot(connected);
+  endSection("ui checks/snapshot update");
+  if (skipRendering) {
+    return;
+  }
+
+  CommandOutcome outcome;
+  renderingBlock(connected, game, outcome);
+  if (game != nullptr && outcome.leave && !connected.gameEndNotified) {
+    std::optional<GameResult> result;
+    if (game->gameEnded() || connected.lobby->allOtherPlayersDisconnected()) {
+      result.emplace();
+      game->getGameResult(*result);
+    }
+    connected.lobby->notifyGameEnd(result);
+    connected.gameEndNotified = true;
+  }
+  connectedBackground(connected);
+  if (outcome.disconnect) {
+    std::printf("Client shutdown complete\n");
+    std::fflush(stdout);
+    next_.emplace(mainloop::OfflineState{});
+  }
 }
 
 template <class GameState>
@@ -282,8 +481,14 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
   struct Visitor {
     MainLoopContext& context;
 
-    void operator()(transition::Connect const&) const {
-      throw std::runtime_error("Can't connect to the server: this client has no lobby connection yet.");
+    void operator()(transition::Connect const& connect) const {
+      std::printf("Connecting to server at %s, base port %u\n", context.shared.ip.c_str(),
+                  static_cast<unsigned>(context.shared.port));
+      std::fflush(stdout);
+      mainloop::ConnectingState next;
+      next.transport = std::make_shared<TCPClient>(context.shared.ip, context.shared.port);
+      next.credentials = connect.credentials;
+      context.next_.emplace(std::move(next));
     }
 
     void operator()(transition::ReplayRecording const& replay) const {

@@ -72,6 +72,10 @@ private:
   void renderingBlock(State& current, IRunningGame* game, CommandOutcome& outcome);
 
   void refreshOfflineSnapshot();
+  void refreshConnectedSnapshot(mainloop::ConnectedState& connected);
+  void connectedBackground(mainloop::ConnectedState& connected);
+  void startOrEndNetworkGame(mainloop::ConnectedState& connected);
+  void enterConnectedState(mainloop::ConnectingState& connecting);
   void leaveLocalGame(mainloop::LocalGameState& local, CommandOutcome const& outcome);
   void leaveReplay(mainloop::ReplayState& replay, CommandOutcome const& outcome);
   void carryOut(transition::Any const& requested);
@@ -79,4 +83,5 @@ private:
 
   std::vector<UICmd> commands_;            // the frame's commands; kept to reuse its storage
   std::optional<mainloop::State> next_;    // the state that the frame ends in, if it changes
+  std::vector<unsigned short> finishedGames_;  // the games that the lobby reported finished this frame
 };

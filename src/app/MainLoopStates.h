@@ -7,28 +7,45 @@
 #include <vector>
 
 #include "accounts/Credentials.h"
+#include "net/ConnectToLobbyServer.h"
+#include "net/GameStartInfo.h"
+#include "net/ILobbyTransport.h"
+#include "net/LobbyClient.h"
+#include "net/TandemClient.h"
+#include "net/UDPClient.h"
+#include "rankings/CompletedGameFeed.h"
+#include "rankings/HighScoreTables.h"
+#include "rankings/PlayerRatings.h"
 #include "sim/IOrderSource.h"
 #include "sim/IRunningGame.h"
-
-class ILobbyTransport;
 
 namespace mainloop {
 
 // On the main menu and the other offline pages.
 struct OfflineState {};
 
-// From the first connect to a finished handshake with the game server. The handshake object joins
-// these fields with the lobby connection.
+// From the first connect to a finished handshake with the game server.
 struct ConnectingState {
   int phase = 0;  // 0 the transport is connecting, 1 the handshake runs
   std::shared_ptr<ILobbyTransport> transport;
+  std::unique_ptr<ConnectToLobbyServer> handshake;  // null in phase 0
   Credentials credentials;
 };
 
-// In the lobby and its network games. The lobby client, the tables and the network game join these
-// fields with the lobby connection.
+// In the lobby and its network games. Fields are destroyed in reverse order: the network game first,
+// the lobby connection last.
 struct ConnectedState {
   std::shared_ptr<ILobbyTransport> transport;
+  std::unique_ptr<LobbyClient> lobby;
+  HighScoreTables highScores{Game::GlowHorde, 0};  // Glow Horde's co-op challenges
+  PlayerRatings glowHordeRatings{ResultRowOwner::Team};
+  PlayerRatings aviatorsRatings{ResultRowOwner::Player};  // the ranked games of both ship games
+  CompletedGameFeed feed;  // takes each finished game into the tables once
+  std::shared_ptr<TandemClient<UDPClient>> client;  // null between games
+  std::unique_ptr<IOrderSource> orderSource;       // null between games
+  std::unique_ptr<IRunningGame> game;              // null between games
+  GameStartInfo startInfo;
+  bool gameEndNotified = false;  // the server has been told that this client is done with the game
   int stalledFrames = 0;
 };
 

@@ -6,6 +6,7 @@
 
 #include "accounts/CredentialsFile.h"
 #include "accounts/RandomCredentials.h"
+#include "net/GameRecordsWire.h"
 #include "sim/RecordingFiles.h"
 #include "app/SDL3App.h"
 
@@ -107,24 +108,43 @@ void LocalGamePass(GameState& state, std::vector<UICmd> const& commands, Command
   }
 }
 
-// The lobby's commands need the lobby client, which this client doesn't have yet: a connected state
-// can't be entered, and were one entered, its lobby commands would fail clearly instead of vanishing.
-void ConnectedPass(std::vector<UICmd> const& commands, CommandOutcome& outcome) {
-  auto noLobby = [](auto const&) {
-    throw std::runtime_error("Lobby commands can't be carried out: this client has no lobby client yet.");
-  };
+// Without a game the lobby's commands go to the lobby client; during a network game only the in-game
+// commands count, so a player leaves the game before leaving a room or the server.
+void ConnectedPass(mainloop::ConnectedState& state, std::vector<UICmd> const& commands, CommandOutcome& outcome) {
+  LobbyClient& lobby = *state.lobby;
+  if (state.game) {
+    IRunningGame& game = *state.game;
+    for (UICmd const& command : commands) {
+      std::visit(Overloaded{
+                     [&](UICmd::ReturnToLobbyAfterGameEnd const&) { outcome.leave = true; },
+                     [&](UICmd::AbandonGame const&) { outcome.leave = true; },
+                     [&](UICmd::EndGameEarly const&) { game.endGameNow(); },
+                     [&](UICmd::InjectGameOrder const& inject) { game.injectOrder(inject.order); },
+                     [&](UICmd::MarkAllServerLogEntriesSeen const&) { lobby.markAllErrorsSeen(); },
+                     [](auto const&) {},
+                 },
+                 command.value);
+    }
+    return;
+  }
   for (UICmd const& command : commands) {
     std::visit(Overloaded{
                    [&](UICmd::DisconnectFromServer const&) { outcome.disconnect = true; },
-                   [&](UICmd::MoveToGameRoom const& c) { noLobby(c); },
-                   [&](UICmd::MoveToSlot const& c) { noLobby(c); },
-                   [&](UICmd::SetReadyState const& c) { noLobby(c); },
-                   [&](UICmd::StartGame const& c) { noLobby(c); },
-                   [&](UICmd::CreateGame const& c) { noLobby(c); },
-                   [&](UICmd::LeaveGameRoom const& c) { noLobby(c); },
-                   [&](UICmd::ChangeName const& c) { noLobby(c); },
-                   [&](UICmd::RequestRecording const& c) { noLobby(c); },
-                   [&](UICmd::MarkAllServerLogEntriesSeen const& c) { noLobby(c); },
+                   [&](UICmd::MoveToGameRoom const& c) { lobby.moveToGameRoom(c.room); },
+                   [&](UICmd::MoveToSlot const& c) { lobby.moveToSlot(c.slot); },
+                   [&](UICmd::SetReadyState const& c) { lobby.setReadyState(c.ready); },
+                   [&](UICmd::StartGame const&) { lobby.requestGameStart(); },
+                   [&](UICmd::CreateGame const& c) {
+                     GameSpec const spec = ParseGameSpec(c.specBytes);
+                     // In a ranked match one account can't take two places.
+                     bool const repeatedIdsAllowed = !std::holds_alternative<RankedMatchIndex>(spec.settings);
+                     lobby.requestCreateGame(c.description, c.specBytes, spec.minPlayers, spec.maxPlayers,
+                                             repeatedIdsAllowed);
+                   },
+                   [&](UICmd::LeaveGameRoom const&) { lobby.leaveGameRoom(); },
+                   [&](UICmd::ChangeName const& c) { lobby.changeName(c.name); },
+                   [&](UICmd::RequestRecording const& c) { lobby.requestRecording(c.game); },
+                   [&](UICmd::MarkAllServerLogEntriesSeen const&) { lobby.markAllErrorsSeen(); },
                    [](auto const&) {},
                },
                command.value);
@@ -143,7 +163,7 @@ void ProcessUICommands(SDL3App& app, [[maybe_unused]] mainloop::SharedData& shar
   } else if constexpr (std::is_same_v<State, mainloop::LocalGameState> || std::is_same_v<State, mainloop::ReplayState>) {
     LocalGamePass(state, commands, outcome);
   } else if constexpr (std::is_same_v<State, mainloop::ConnectedState>) {
-    ConnectedPass(commands, outcome);
+    ConnectedPass(state, commands, outcome);
   }
 }
 
