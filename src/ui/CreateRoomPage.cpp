@@ -166,35 +166,42 @@ void RenderCreateRoomPage(LobbyUIState& state, IAppState const& app, std::vector
   EnumCombo<GameType>("Game type", state.gameType);
 
   IGame const* game = FindGame(app.games(), state.game);
-  if (game != nullptr) {
-    // Mends a remembered choice out of range, or a map not of this game, before the widgets read them.
-    CreateRoomSpec(state, *game);
-    if (state.gameType == GameType::CoopChallenge) {
-      if (game->lookup.coopChallenges.empty()) {
-        ImGui::TextUnformatted("No co-op challenges available for this game.");
-      } else {
-        NamedSettingsCombo("Challenge", game->lookup.coopChallenges, CoopChoice(state));
-      }
-    } else if (state.gameType == GameType::RankedMatch) {
-      if (game->lookup.rankedMatches.empty()) {
-        ImGui::BeginDisabled();
-        ImGui::SetNextItemWidth(kFieldWidth);
-        if (ImGui::BeginCombo("Ranked match", "")) {
-          ImGui::EndCombo();
+  std::optional<GameSpec> chosen;
+  // The settings scroll in a region of their own, so that the buttons under them stay on the screen.
+  float const height = ImGui::GetContentRegionAvail().y - ImGui::GetFrameHeightWithSpacing();
+  if (ImGui::BeginChild("RoomSettings", ImVec2(0.0f, std::max(height, 40.0f)))) {
+    if (game != nullptr) {
+      // Mends a remembered choice out of range, or a map not of this game, before the widgets read them.
+      CreateRoomSpec(state, *game);
+      if (state.gameType == GameType::CoopChallenge) {
+        if (game->lookup.coopChallenges.empty()) {
+          ImGui::TextUnformatted("No co-op challenges available for this game.");
+        } else {
+          NamedSettingsCombo("Challenge", game->lookup.coopChallenges, CoopChoice(state));
         }
-        ImGui::EndDisabled();
-      } else {
-        NamedSettingsCombo("Ranked match", game->lookup.rankedMatches, RankedChoice(state));
+      } else if (state.gameType == GameType::RankedMatch) {
+        if (game->lookup.rankedMatches.empty()) {
+          ImGui::BeginDisabled();
+          ImGui::SetNextItemWidth(kFieldWidth);
+          if (ImGui::BeginCombo("Ranked match", "")) {
+            ImGui::EndCombo();
+          }
+          ImGui::EndDisabled();
+        } else {
+          NamedSettingsCombo("Ranked match", game->lookup.rankedMatches, RankedChoice(state));
+        }
+      } else if (static_cast<std::size_t>(state.game) < state.customSettings.size()) {
+        CustomSettingsWidgets(state.customSettings[static_cast<std::size_t>(state.game)], game->schema);
       }
-    } else if (static_cast<std::size_t>(state.game) < state.customSettings.size()) {
-      CustomSettingsWidgets(state.customSettings[static_cast<std::size_t>(state.game)], game->schema);
+    }
+    // The spec again, for what the widgets chose this frame.
+    chosen = game != nullptr ? CreateRoomSpec(state, *game) : std::nullopt;
+    if (chosen && state.gameType != GameType::Friendly) {
+      ShowGameSettings(*game, *chosen);
     }
   }
-  // The spec again, for what the widgets chose this frame.
-  std::optional<GameSpec> const chosen = game != nullptr ? CreateRoomSpec(state, *game) : std::nullopt;
-  if (chosen && state.gameType != GameType::Friendly) {
-    ShowGameSettings(*game, *chosen);
-  }
+  ImGui::EndChild();
+  chosen = game != nullptr ? CreateRoomSpec(state, *game) : std::nullopt;
   {
     ScopedDisableIf disable(!chosen.has_value());
     if (ImGui::Button("Create room") && chosen) {
