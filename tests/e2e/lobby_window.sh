@@ -101,7 +101,8 @@ if [ "${1:-}" = "--inner" ]; then
   shot "$phase-04-create-challenge"
   click 60 $((screen_height - 35)) 1.5
   shot "$phase-05-game-room"
-  wait_colour "$white" 400x40+440+10 5 || fail "no page title"
+  # The game room's card of the local player with its green " [HOST]".
+  wait_colour "$green_text" 200x30+180+105 5 || fail "the game room doesn't show the host's card"
   # The card's "Ready" box, then "START GAME" once the server has the player ready.
   click 195 149 1.2
   shot "$phase-06-ready"
@@ -117,14 +118,34 @@ if [ "${1:-}" = "--inner" ]; then
     grep -i "$yellow_text" | awk -F'[,:]' '{ s += $2; n++ } END { printf "0 %d\n", 160 + s / n }')
   click 640 $((y + 25)) 2
   shot "$phase-09-back-in-room"
-  wait_output "Game results received\\|LOBBY" 1 >/dev/null
-  # Back in the room: its last game's results are on the right.
+  # Back in the room: "LEAVE ROOM", then the "Game results" tab and the game's row.
   click 190 500 1.5
   shot "$phase-10-lobby-after-game"
   click 205 92 1
   click 100 140 1
   shot "$phase-11-results-tab"
-  [ "$(count_colour "$white" 600x500+640+100)" -gt 0 ] || fail "the results tab shows no details"
+  # The details scroll: down to the recording, whose download button sits at the bottom.
+  xdotool mousemove 900 400
+  for _ in $(seq 30); do xdotool click 5; done
+  sleep 0.5
+  shot "$phase-12-results-details"
+  click 740 665 2
+  shot "$phase-13-recording-downloaded"
+  ls "$client_dir"/recordings/recording*.bin >/dev/null 2>&1 || fail "no recording was downloaded"
+  [ "$(count_colour "$green_text" 600x40+660+650)" -gt 0 ] || fail "the page doesn't say the recording is here"
+  # "Disconnect from server", then the main menu's "Recording replay", the game's row and "Replay".
+  click 100 694 1.5
+  wait_output "Client shutdown complete" 5 || fail "disconnecting didn't end the connection"
+  click 640 536 1
+  shot "$phase-14-replay-page"
+  click 100 116 1
+  click 43 142 2
+  wait_colour "$yellow_text" 300x400+490+160 30 || fail "the replay didn't end"
+  shot "$phase-15-replay-end"
+  click 640 $((y + 25)) 1.2
+  shot "$phase-16-after-replay"
+  kill -0 "$pid" 2>/dev/null || fail "the client ended after the replay"
+  grep -q "Fatal error" "$work/client-$phase.txt" && fail "a fatal error"
   kill "$pid" 2>/dev/null
   wait "$pid" 2>/dev/null
   echo "PASS: $phase"
