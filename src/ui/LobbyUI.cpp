@@ -85,12 +85,19 @@ bool AtBool(std::vector<bool> const& list, std::size_t index) { return index < l
 void SideBySide(char const* first, char const* second, auto const& drawFirst, auto const& drawSecond) {
   float const width = std::max(100.0f, (ImGui::GetContentRegionAvail().x - 200.0f) / 2.0f);
   ImGui::SetCursorPosX(100.0f);
-  if (ImGui::BeginChild(first, ImVec2(width, 0.0f))) {
+  // The two have no background of their own; the colour is read when a child begins.
+  ImGui::PushStyleColor(ImGuiCol_ChildBg, ImVec4(0.0f, 0.0f, 0.0f, 0.0f));
+  bool open = ImGui::BeginChild(first, ImVec2(width, 0.0f));
+  ImGui::PopStyleColor();
+  if (open) {
     drawFirst();
   }
   ImGui::EndChild();
   ImGui::SameLine();
-  if (ImGui::BeginChild(second, ImVec2(width, 0.0f))) {
+  ImGui::PushStyleColor(ImGuiCol_ChildBg, ImVec4(0.0f, 0.0f, 0.0f, 0.0f));
+  open = ImGui::BeginChild(second, ImVec2(width, 0.0f));
+  ImGui::PopStyleColor();
+  if (open) {
     drawSecond();
   }
   ImGui::EndChild();
@@ -494,6 +501,7 @@ void RenderGameRoomDetails(LobbyUIState&, IAppState const& app, int room, std::v
     ImGui::TextUnformatted("Select a room to show here");
     return;
   }
+  ImGui::Spacing();
   ImGui::Indent();
   if (!details->description.empty()) {
     ImGui::TextColored(ImGuiColours::orange, "Room description:");

@@ -90,6 +90,9 @@ if [ "${1:-}" = "--inner" ]; then
     click 225 180 0.6
     click 135 233 0.8
     shot "$phase-04-create-challenge"
+    click 45 $((screen_height - 35)) 1.5
+    wait_output "Sent CREATE_GAME message" 5 || fail "\"Create room\" sent nothing"
+    shot "$phase-05-game-room"
     kill "$pid" 2>/dev/null
     wait "$pid" 2>/dev/null
     echo "PASS: $phase"
