@@ -438,3 +438,51 @@ TEST_F(LobbyPages, DamagedSnapshotsNeverBreakThePages) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(LobbyPages, TheHighScoreTabRanksEntriesAndOffersOnlyGamesTheLobbyHolds) {
+  GameResult better;
+  better.results = {{3, -40000}};
+  GameResult worse;
+  worse.results = {{1, -10000}};
+  ASSERT_TRUE(highScores.addGame(CoopChallengeIndex{0}, 5, worse));
+  ASSERT_TRUE(highScores.addGame(CoopChallengeIndex{0}, 6, better));
+  GameResults held;
+  held.finished = true;
+  held.playerIds = {{1, 1, 1}};
+  app.played[6] = held;  // game 5 is no longer in the lobby's list
+  std::vector<NamedGameSettings> const& challenges = games.refGame(Game::GlowHorde).lookup.coopChallenges;
+  auto frame = [&] {
+    ImGui::NewFrame();
+    ImGui::SetNextWindowPos(ImVec2(0, 0));
+    ImGui::SetNextWindowSize(ImVec2(1280, 720));
+    ImGui::Begin("Scores");
+    ImGui::LogToBuffer();
+    std::optional<unsigned short> const shown = highScores.render(app, challenges, names);
+    std::string const text = GImGui->LogBuffer.c_str();
+    ImGui::LogFinish();
+    ImGui::End();
+    ImGui::Render();
+    return std::make_pair(text, shown);
+  };
+  auto const [text, shown] = frame();
+  EXPECT_FALSE(shown.has_value());
+  std::string const first = games.refGame(Game::GlowHorde).formatResult(better.results[0], false);
+  std::string const second = games.refGame(Game::GlowHorde).formatResult(worse.results[0], false);
+  ASSERT_NE(text.find(first), std::string::npos) << text;
+  ASSERT_NE(text.find(second), std::string::npos);
+  EXPECT_LT(text.find(first), text.find(second));  // the better result ranks first
+  EXPECT_EQ(count(text, "Ada"), 1);
+  EXPECT_EQ(count(text, "Show results"), 1);
+
+  // Another challenge, with no scores; a catalogue shrunk below the selection comes back to the first.
+  highScores.selectedChallenge = 3;
+  EXPECT_EQ(count(frame().first, "No scores yet for this challenge"), 1);
+  highScores.selectedChallenge = 40;
+  EXPECT_EQ(count(frame().first, "Show results"), 1);
+  EXPECT_EQ(highScores.selectedChallenge, 0u);
+  EXPECT_EQ(count(frame().first, "Single player, Cauldrons"), 1);
+}
+
+}  // namespace
