@@ -10,11 +10,12 @@
 #include "sim/GameResults.h"
 #include "sim/Games.h"
 #include "sim/IGame.h"
+#include "sim/IRunningGame.h"
 
 namespace testing_support {
 
 // A snapshot made by hand for page tests: the mode, the lobby block and the played games are fields the
-// test sets; the game queries have no game behind them.
+// test sets; the game's result comes from the game of the game block, if any.
 class FakeAppState final : public IAppState {
 public:
   explicit FakeAppState(Games const& games) : games_(games) {}
@@ -40,7 +41,13 @@ public:
   }
   unsigned int gameFrame() const override { return 0; }
   bool evaluateGameCondition(std::string const&) const override { return false; }
-  void getCurrentGameResult(GameResult& result) const override { result = GameResult{}; }
+  void getCurrentGameResult(GameResult& result) const override {
+    if (game.game != nullptr) {
+      game.game->getGameResult(result);
+    } else {
+      result = GameResult{};
+    }
+  }
   Game getGameType() const override { return Game::GlowHorde; }
   bool credentialFilePresent() const override { return false; }
   Credentials loadCredentials() const override { return Credentials{}; }

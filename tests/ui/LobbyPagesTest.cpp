@@ -18,6 +18,7 @@
 #include "rankings/PlayerRatings.h"
 #include "sim/Games.h"
 #include "support/FakeAppState.h"
+#include "support/FakeRunningGame.h"
 #include "ui/CreateRoomPage.h"
 #include "ui/LobbyUI.h"
 #include "ui/PlayerTooltip.h"
@@ -483,6 +484,58 @@ TEST_F(LobbyPages, TheHighScoreTabRanksEntriesAndOffersOnlyGamesTheLobbyHolds) {
   EXPECT_EQ(count(frame().first, "Show results"), 1);
   EXPECT_EQ(highScores.selectedChallenge, 0u);
   EXPECT_EQ(count(frame().first, "Single player, Cauldrons"), 1);
+}
+
+}  // namespace
+
+namespace {
+
+// The overlays of a network game through UI::show: the waiting notice after a second without a step,
+// who dropped out, and the way to leave that the local player is offered.
+TEST_F(LobbyPages, NetworkGameOverlaysFollowStallsAndDisconnections) {
+  FakeRunningGame game(games.refGame(Game::Aviators), 15, 100000);
+  app.modeValue = 3;
+  app.game.game = &game;
+  app.game.localPlayer = 0;
+  app.game.players = {0, 1, 2};
+  struct Case {
+    std::vector<bool> disconnected;
+    int stalled;
+    bool waiting;
+    char const* dropped;  // a slot name shown under "Player(s) disconnected:", or null for none
+    char const* leave;
+  };
+  Case const cases[] = {
+      {{false, false, false}, 60, false, nullptr, "Abandon game"},
+      {{false, false, false}, 61, true, nullptr, "Abandon game"},
+      {{false, true, false}, 0, false, "blue", "Abandon game"},
+      {{false, true, true}, 200, true, "yellow", "End game now"},  // everyone else gone: alone
+  };
+  for (Case const& c : cases) {
+    app.game.disconnected = c.disconnected;
+    app.game.stalledFrames = c.stalled;
+    std::string const text = frames();
+    SCOPED_TRACE(testing::Message() << "stalled " << c.stalled << ", disconnected "
+                                    << testing::PrintToString(c.disconnected));
+    EXPECT_EQ(count(text, "Waiting for other players"), c.waiting ? 1 : 0) << text;
+    EXPECT_EQ(count(text, "Player(s) disconnected:"), c.dropped != nullptr ? 1 : 0);
+    if (c.dropped != nullptr) {
+      EXPECT_EQ(count(text, c.dropped), 1);
+    }
+    EXPECT_EQ(count(text, "All players connected"), c.dropped == nullptr ? 1 : 0);
+    EXPECT_EQ(count(text, c.leave), 1);
+    EXPECT_EQ(count(text, "Server log"), 1);  // over every connected page
+  }
+  // Once the game is over the corner panel is gone unless somebody dropped out, and the end overlay
+  // offers the way back.
+  app.game.disconnected = {false, false, false};
+  app.game.ended = true;
+  game.result.results = {{100, 5000}, {0, 3000}, {40, 9000}};
+  std::string const text = frames();
+  EXPECT_EQ(count(text, "Winner: green!"), 1) << text;
+  EXPECT_EQ(count(text, "Return to lobby"), 1);
+  EXPECT_EQ(count(text, "Abandon game"), 0);
+  EXPECT_EQ(count(text, "Waiting for other players"), 0);
 }
 
 }  // namespace
