@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <chrono>
 #include <fstream>
+#include <thread>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -131,6 +133,14 @@ int main(int argc, char* argv[]) {
       .default_value(2)
       .scan<'i', int>()
       .help("Players of the local game, 1 to 4; all but the first give no orders");
+  parser.add_argument("--ip").default_value(std::string("127.0.0.1")).help("The game server's host");
+  parser.add_argument("--server-base-port")
+      .default_value(6567)
+      .scan<'i', int>()
+      .help("The game server's base port");
+  parser.add_argument("--credentials")
+      .default_value(std::string())
+      .help("Copy this credentials file into the storage directory as credentials.bin before the loop");
   parser.add_argument("--list-verbs").flag().help("Print the script language and exit");
   try {
     parser.parse_args(argc, argv);
@@ -186,9 +196,23 @@ int main(int argc, char* argv[]) {
     return kUsage;
   }
 
+  int const basePort = parser.get<int>("--server-base-port");
+  if (basePort < 1 || basePort > 65535 - 8) {
+    std::cerr << "The server's base port must be from 1 to 65527.\n" << parser.usage() << std::endl;
+    return kUsage;
+  }
   bool const temporaryStorage = storage.empty();
   if (temporaryStorage) {
     storage = MakeTemporaryStorage();
+  }
+  std::string const credentials = Absolute(parser.get<std::string>("--credentials"));
+  if (!credentials.empty()) {
+    std::error_code error;
+    fs::copy_file(credentials, fs::path(storage) / "credentials.bin", fs::copy_options::overwrite_existing, error);
+    if (error) {
+      std::cerr << "Can't copy the credentials " << credentials << ": " << error.message() << std::endl;
+      return kUsage;
+    }
   }
   ChangeToExecutableDirectory();
   if (!logPath.empty()) {
@@ -207,7 +231,8 @@ int main(int argc, char* argv[]) {
     auto app = std::make_shared<SDL3App>(windowWidth, windowHeight, !paced);
     SetInterfaceStyle();
     std::unique_ptr<MainLoopContext> context =
-        MainLoopContext::Create(app, "127.0.0.1", 6567, storage, "", &source, !paced);
+        MainLoopContext::Create(app, parser.get<std::string>("--ip"), static_cast<unsigned short>(basePort), storage, "",
+                                &source, !paced);
     context->recordLocalGames = parser.get<bool>("--record-local-games");
     if (localGame) {
       StartLocalGame(*context, *localGame, localPlayers);
@@ -215,6 +240,12 @@ int main(int argc, char* argv[]) {
     while (!context->quit && !source.finished() && frames < maxFrames) {
       context->runOneFrame(false);
       ++frames;
+      // Unpaced, a client that waits on the server would spin; a millisecond a frame leaves the
+      // machine to the server and the other clients, and still steps a network game far faster than
+      // real time.
+      if (!paced && (context->stateIndex() == 1 || context->stateIndex() == 2)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      }
     }
     bool const quitByProgram = context->quit;
     context.reset();

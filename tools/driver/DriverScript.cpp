@@ -26,6 +26,19 @@ long long Number(std::string const& text, char const* what, long long minimum) {
   return value;
 }
 
+long long GameNumber(std::string const& name) {
+  if (name == "glow_horde") {
+    return 0;
+  }
+  if (name == "aviators") {
+    return 1;
+  }
+  if (name == "vipers") {
+    return 2;
+  }
+  throw BadLine{fmt::format("GAME must be glow_horde, aviators or vipers, not \"{}\"", name)};
+}
+
 using Words = std::vector<std::string>;
 using Parser = std::function<void(Words const&, ScriptStep&)>;
 
@@ -138,6 +151,86 @@ std::vector<Verb> const& Verbs() {
          s.second = Number(w[1], "STATUS", 0);
          s.third = Number(w[2], "ATTEMPTS", 0);
        }},
+      {{"create_room", "GAME KIND INDEX [\"DESCRIPTION\"]",
+        "Creates a room playing challenge or ranked match INDEX (KIND is challenge or ranked) of GAME "
+        "(glow_horde, aviators or vipers), with that entry's player counts and 15 frames of delay."},
+       3, 4,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::CreateRoom;
+         s.number = GameNumber(w[0]);
+         if (w[1] != "challenge" && w[1] != "ranked") {
+           throw BadLine{fmt::format("KIND must be challenge or ranked, not \"{}\"", w[1])};
+         }
+         s.second = w[1] == "ranked" ? 1 : 0;
+         s.third = Number(w[2], "INDEX", 0);
+         s.condition = w.size() > 3 ? w[3] : std::string("Driver room");
+       }},
+      {{"wait_room", "ROOM [LIMIT]", "Waits until room ROOM exists in the lobby; fails after LIMIT frames (default 20000)."},
+       1, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitRoom;
+         s.number = Number(w[0], "ROOM", 0);
+         s.limit = w.size() > 1 ? Number(w[1], "LIMIT", 0) : kDefaultLobbyWaitLimit;
+       }},
+      {{"wait_room_players", "N [LIMIT]",
+        "Waits until this client's room holds at least N players; fails after LIMIT frames (default 20000)."},
+       1, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitRoomPlayers;
+         s.number = Number(w[0], "N", 1);
+         s.limit = w.size() > 1 ? Number(w[1], "LIMIT", 0) : kDefaultLobbyWaitLimit;
+       }},
+      {{"wait_all_ready", "[LIMIT]",
+        "Waits until every player of this client's room is ready; fails after LIMIT frames (default 20000)."},
+       0, 1,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitAllReady;
+         s.limit = !w.empty() ? Number(w[0], "LIMIT", 0) : kDefaultLobbyWaitLimit;
+       }},
+      {{"wait_game_results", "GAME REPORTS [LIMIT]",
+        "Waits until played game GAME is finished and at least REPORTS of its players have reported a "
+        "result; fails after LIMIT frames (default 20000)."},
+       2, 3,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitGameResults;
+         s.number = Number(w[0], "GAME", 0);
+         s.second = Number(w[1], "REPORTS", 0);
+         s.limit = w.size() > 2 ? Number(w[2], "LIMIT", 0) : kDefaultLobbyWaitLimit;
+       }},
+      {{"expect_agreement", "GAME yes|no",
+        "Fails unless the non-empty reports of played game GAME agree byte for byte (yes) or differ (no)."},
+       2, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::ExpectAgreement;
+         s.number = Number(w[0], "GAME", 0);
+         if (w[1] != "yes" && w[1] != "no") {
+           throw BadLine{fmt::format("the expectation must be yes or no, not \"{}\"", w[1])};
+         }
+         s.second = w[1] == "yes" ? 1 : 0;
+       }},
+      {{"wait_recording", "GAME [LIMIT]",
+        "Waits until the recording of played game GAME is on disk (after cmd RequestRecording); fails after "
+        "LIMIT frames (default 20000)."},
+       1, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitRecording;
+         s.number = Number(w[0], "GAME", 0);
+         s.limit = w.size() > 1 ? Number(w[1], "LIMIT", 0) : kDefaultLobbyWaitLimit;
+       }},
+      {{"wait_disconnected", "PLAYER [LIMIT]",
+        "Waits until player PLAYER (an index into the network game's players) shows as disconnected; fails "
+        "after LIMIT frames (default 20000)."},
+       1, 2,
+       [](Words const& w, ScriptStep& s) {
+         s.kind = ScriptStep::Kind::WaitDisconnected;
+         s.number = Number(w[0], "PLAYER", 0);
+         s.limit = w.size() > 1 ? Number(w[1], "LIMIT", 0) : kDefaultLobbyWaitLimit;
+       }},
+      {{"log_lobby", "",
+        "Writes to the test log one game_results event for each played game, one rating event for each "
+        "player of each ranking and one high_score event for each entry of each challenge's table."},
+       0, 0,
+       [](Words const&, ScriptStep& s) { s.kind = ScriptStep::Kind::LogLobby; }},
       {{"quit", "", "Stops the driver here; the script has passed. Lines after it are not run."},
        0, 0,
        [](Words const&, ScriptStep& s) { s.kind = ScriptStep::Kind::Quit; }},

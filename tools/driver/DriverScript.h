@@ -24,6 +24,15 @@ struct ScriptStep {
     WaitResultRow,   // wait until the first value of a result row reaches a minimum
     ExpectResultRow, // the first value of a result row must lie in a range now
     ExpectTutorial,  // a tutorial level's status and attempts must be the ones given
+    CreateRoom,      // create a room of a game's challenge or ranked match from the catalogue
+    WaitRoom,        // wait until a room of the given number exists in the lobby
+    WaitRoomPlayers, // wait until this client's room holds at least the given number of players
+    WaitAllReady,    // wait until every player of this client's room is ready
+    WaitGameResults, // wait until a played game is finished with at least the given number of reports
+    ExpectAgreement, // a played game's reports must agree, or must disagree
+    WaitRecording,   // wait until a played game's recording is on disk
+    WaitDisconnected,// wait until a player of the network game shows as disconnected
+    LogLobby,        // write the played games, both rankings and the high scores to the test log
     Quit,            // stop here: the script has passed
   };
 
@@ -52,6 +61,8 @@ std::vector<ScriptVerb> const& VerbTable();
 
 // The frames that a wait may take when the script doesn't say.
 inline constexpr long long kDefaultWaitLimit = 600;
+// The same for the waits on the server, whose answers take a round trip and other clients' frames.
+inline constexpr long long kDefaultLobbyWaitLimit = 20000;
 
 // Splits one line into words; sets error if a quote isn't closed.
 std::vector<std::string> SplitScriptLine(std::string const& line, std::string& error);
