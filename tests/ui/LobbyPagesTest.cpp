@@ -396,7 +396,7 @@ TEST_F(LobbyPages, DamagedSnapshotsNeverBreakThePages) {
     for (unsigned char& b : out) b = static_cast<unsigned char>(pick(256));
     return out;
   };
-  for (int round = 0; round < 150; ++round) {
+  for (int round = 0; round < 400; ++round) {
     LobbyState damaged = lobby;
     GameRoom room = *damaged.rooms[0];
     room.players.push_back(static_cast<unsigned short>(pick(70000)));
@@ -429,6 +429,13 @@ TEST_F(LobbyPages, DamagedSnapshotsNeverBreakThePages) {
     if (state.page != 2) state.page = pick(2);
     state.game = static_cast<Game>(pick(3));
     state.gameType = static_cast<GameType>(pick(3));
+    state.delayFrames = static_cast<std::uint8_t>(pick(256));
+    state.coopChoiceFirstGame = static_cast<std::uint32_t>(pick(9));
+    state.rankedChoiceOtherGames = static_cast<std::uint32_t>(pick(9));
+    if (pick(4) == 0 && !state.customSettings.empty()) {
+      Bytes const name = bytes();
+      state.customSettings[static_cast<std::size_t>(pick(3))].strings["map"] = std::string(name.begin(), name.end());
+    }
     frames(1);
     app.lobby.lobbyState = &lobby;
     // Drawing alone never makes a command, and the page is always one of the three.
