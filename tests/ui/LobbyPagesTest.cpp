@@ -5,6 +5,7 @@
 #include <imgui.h>
 #include <imgui_internal.h>
 
+#include <algorithm>
 #include <chrono>
 #include <deque>
 #include <random>
@@ -543,6 +544,53 @@ TEST_F(LobbyPages, NetworkGameOverlaysFollowStallsAndDisconnections) {
   EXPECT_EQ(count(text, "Return to lobby"), 1);
   EXPECT_EQ(count(text, "Abandon game"), 0);
   EXPECT_EQ(count(text, "Waiting for other players"), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// The server log over the lobby: its count of unseen entries, opened by its arrow, newest entry first,
+// and every frame while open the command that marks the entries seen.
+TEST_F(LobbyPages, TheServerLogOpensByItsArrowAndListsNewestFirst) {
+  app.modeValue = 1;
+  auto const now = std::chrono::system_clock::now();
+  log.push_back({"Older message", now - std::chrono::seconds(30), true});
+  log.push_back({"Room is full", now, false});
+  std::string text = frames();
+  EXPECT_EQ(count(text, "Server log (1)"), 1) << text;
+  EXPECT_EQ(count(text, "Server Error: Room is full"), 1);  // the toast of a fresh error
+  EXPECT_EQ(count(text, "Older message"), 0);
+  auto marks = [this] {
+    return std::count_if(commands.begin(), commands.end(),
+                         [](UICmd const& c) { return c.is<UICmd::MarkAllServerLogEntriesSeen>(); });
+  };
+  EXPECT_EQ(marks(), 0);
+
+  // A click on the arrow at the right end of the small window.
+  ImGuiWindow* window = ImGui::FindWindowByName("Server log");
+  ASSERT_NE(window, nullptr);
+  float const size = ImGui::GetFrameHeight();
+  ImVec2 const arrow(window->Rect().Max.x - 4.0f - size / 2.0f, window->Rect().Min.y + 4.0f + size / 2.0f);
+  auto clickArrow = [&] {
+    for (bool down : {true, false}) {
+      ImGui::GetIO().AddMousePosEvent(arrow.x, arrow.y);
+      ImGui::GetIO().AddMouseButtonEvent(ImGuiMouseButton_Left, down);
+      frames(1);
+    }
+    ImGui::GetIO().AddMousePosEvent(-100.0f, -100.0f);
+  };
+  clickArrow();
+  text = frames();
+  EXPECT_EQ(marks(), 1);
+  ASSERT_NE(text.find("Room is full"), std::string::npos) << text;
+  ASSERT_NE(text.find("Older message"), std::string::npos);
+  EXPECT_LT(text.find("Room is full"), text.find("Older message"));
+  // Closed again, it marks nothing more (the flag is the process's: other tests find it closed).
+  clickArrow();
+  text = frames();
+  EXPECT_EQ(marks(), 0);
+  EXPECT_EQ(count(text, "Older message"), 0);
 }
 
 }  // namespace
