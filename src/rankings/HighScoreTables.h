@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "sim/Game.h"
@@ -9,6 +10,9 @@
 
 // The best results of the co-op and single-player challenges of one game, one table per challenge,
 // best first. Rebuilt on each client from the completed games that the lobby reports.
+class IAppState;
+class PlayerNames;
+
 class HighScoreTables {
 public:
   struct Entry {
@@ -32,6 +36,12 @@ public:
   std::size_t challengeCount() const { return tables_.size(); }
   // The table of one challenge; the index must be below challengeCount().
   std::vector<Entry> const& table(std::size_t challenge) const;
+
+  // Draws the high score tab of the lobby: the challenges on the left, the selected one's table on the
+  // right. Returns the number of a game whose results the player asked to see. (Drawn by the interface,
+  // defined with the lobby pages.)
+  std::optional<unsigned short> render(IAppState const& app, std::vector<NamedGameSettings> const& challenges,
+                                       PlayerNames const& names) const;
 
   // The challenge shown on the high score tab; the tab changes it while drawing and resets it when the
   // catalogue has shrunk below it.

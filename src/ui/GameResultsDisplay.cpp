@@ -12,9 +12,11 @@
 
 #include "app/IAppState.h"
 #include "net/GameRecordsWire.h"
+#include "sim/Games.h"
 #include "sim/IGame.h"
 #include "sim/PlayerSlots.h"
 #include "ui/ImGuiColours.h"
+#include "ui/PlayerTooltip.h"
 
 namespace {
 
@@ -45,6 +47,8 @@ ReportSummary SummariseReports(GameResults const& results) {
   }
   return summary;
 }
+
+std::string const kNoName;
 
 std::string FormatTimestamp(unsigned long long timestampMs) {
   if (timestampMs == 0) {
@@ -119,7 +123,11 @@ char const* GameResultsStatus(GameResults const& results) {
   return summary.disagree ? "Desynch or disagreement" : "Completed";
 }
 
-void ShowGameResultsTable(std::vector<GameResults> const& games, int& selectedRow) {
+namespace {
+
+// The table over count games, each fetched by its row.
+template <typename RowAt>
+void GameResultsTable(std::size_t count, RowAt const& rowAt, int& selectedRow) {
   ImGuiTableFlags const flags = ImGuiTableFlags_Borders | ImGuiTableFlags_RowBg;
   if (!ImGui::BeginTable("GameResultsTable", 4, flags)) {
     return;
@@ -129,8 +137,8 @@ void ShowGameResultsTable(std::vector<GameResults> const& games, int& selectedRo
   ImGui::TableSetupColumn("Status");
   ImGui::TableSetupColumn("Players");
   ImGui::TableHeadersRow();
-  for (std::size_t row = 0; row < games.size(); ++row) {
-    GameResults const& entry = games[row];
+  for (std::size_t row = 0; row < count; ++row) {
+    GameResults const& entry = rowAt(row);
     ImGui::PushID(static_cast<int>(row));
     ImGui::TableNextRow();
     ImGui::TableSetColumnIndex(0);
@@ -162,7 +170,25 @@ void ShowGameResultsTable(std::vector<GameResults> const& games, int& selectedRo
   ImGui::EndTable();
 }
 
-void ShowGameResults(IAppState const& state, Game game, GameResults const& results) {
+}  // namespace
+
+IGame const* FindGame(Games const& games, Game game) {
+  auto const index = static_cast<std::size_t>(game);
+  return index < games.size() ? &games.refGame(game) : nullptr;
+}
+
+void ShowGameResultsTable(std::vector<GameResults> const& games, int& selectedRow) {
+  GameResultsTable(games.size(), [&games](std::size_t row) -> GameResults const& { return games[row]; }, selectedRow);
+}
+
+void ShowGameResultsTable(IAppState const& state, std::vector<unsigned int> const& numbers, int& selectedRow) {
+  GameResultsTable(
+      numbers.size(), [&](std::size_t row) -> GameResults const& { return state.refPlayedGameResults(numbers[row]); },
+      selectedRow);
+}
+
+void ShowGameResults(IAppState const& state, Game game, PlayerNames const* names, PlayerRatings const* first,
+                     PlayerRatings const* second, GameResults const& results) {
   ImGui::SeparatorText("Players");
   ImGui::Indent();
   std::size_t const places = results.playerSlots.size();
@@ -175,7 +201,11 @@ void ShowGameResults(IAppState const& state, Game game, GameResults const& resul
     ImGui::Button("##slot", ImVec2(20.0f, 15.0f));
     ImGui::PopStyleColor(3);
     ImGui::SameLine();
-    ImGui::TextUnformatted(i < results.playerNames.size() ? results.playerNames[i].c_str() : "");
+    std::string const& shown = i < results.playerNames.size() ? results.playerNames[i] : kNoName;
+    ImGui::TextUnformatted(shown.c_str());
+    if (ImGui::IsItemHovered() && i < results.playerIds.size()) {
+      PlayerTooltip(shown, names, first, second, results.playerIds[i]);
+    }
     bool const reported = i < results.reportedResults.size() && !results.reportedResults[i].empty();
     if (!reported) {
       ImGui::SameLine();
@@ -209,10 +239,12 @@ void ShowGameResults(IAppState const& state, Game game, GameResults const& resul
   GameResult result;
   unsigned char const* cursor = summary.firstReport->data();
   std::size_t remaining = summary.firstReport->size();
+  // A game number from elsewhere that this client doesn't know has its rows shown without their form.
+  bool const known = FindGame(state.games(), game) != nullptr;
   if (FromBytes(cursor, remaining, result)) {
     bool const teamRows = result.results.size() < places;
     for (std::size_t r = 0; r < result.results.size(); ++r) {
-      std::string const text = state.formatGameResult(game, result.results[r], teamRows);
+      std::string const text = known ? state.formatGameResult(game, result.results[r], teamRows) : "?";
       if (teamRows) {
         ImGui::Text("Team %d: %s", static_cast<int>(r + 1), text.c_str());
       } else {

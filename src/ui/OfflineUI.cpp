@@ -142,7 +142,7 @@ NextPage RecordingReplayPage(offlinepages::RecordingReplay& page, IAppState cons
     Games const& games = app.games();
     if (static_cast<std::size_t>(spec.game) < games.size()) {
       ShowGameSettings(games.refGame(spec.game), spec);
-      ShowGameResults(app, spec.game, entry);
+      ShowGameResults(app, spec.game, nullptr, nullptr, nullptr, entry);
     } else {
       ImGui::TextColored(ImGuiColours::red, "A game that this client doesn't know");
     }

@@ -6,7 +6,9 @@
 #include "app/IAppState.h"
 #include "sim/IRunningGame.h"
 #include "ui/InGameUI.h"
+#include "ui/LobbyUI.h"
 #include "ui/OfflineUI.h"
+#include "ui/ServerLog.h"
 
 struct UI::State {
   OfflineUIState offline = CreateOfflineUIState();
@@ -34,6 +36,8 @@ void UI::show(IAppState const& state, SDL_Texture* banner, std::vector<UICmd>& c
   int const mode = state.mode();
   if (mode == 0) {
     RenderOfflineUI(state_->offline, banner, state, commands);
+  } else if (mode == 1 || mode == 2) {
+    LobbyUI(state_->lobby, state, commands);
   } else if (state.isInGame()) {
     GameData const& data = state.gameData();
     if (data.game != nullptr) {
@@ -50,9 +54,12 @@ void UI::show(IAppState const& state, SDL_Texture* banner, std::vector<UICmd>& c
       }
     }
   }
-  // Modes 1 and 2 get the lobby pages once this client has a lobby connection.
-
   if (state.isConnected()) {
+    // The main menu is what comes back after a disconnection.
     ResetOfflineUIState(state_->offline);
+    std::deque<ServerLogEntry> const* log = state.lobbyData().serverLog;
+    if (log != nullptr && ShowServerLog(*log)) {
+      commands.emplace_back(UICmd::MarkAllServerLogEntriesSeen{});
+    }
   }
 }
