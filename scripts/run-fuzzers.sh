@@ -28,24 +28,42 @@ else
   mapfile -t targets < build/fuzz/fuzz-targets.txt
 fi
 
-failed=()
-for target in "${targets[@]}"; do
-  seeds=fuzz/corpus/$target
-  [ -d "$seeds" ] || { echo "no seed corpus in $seeds" >&2; failed+=("$target"); continue; }
+# Runs one target and leaves its lines of the summary in $SCRATCH/<target>.line, and
+# $SCRATCH/<target>.failed when it failed.
+run_target() {
+  local target=$1 seeds=fuzz/corpus/$1 log=$SCRATCH/$1.log line=$SCRATCH/$1.line
+  if [ ! -d "$seeds" ]; then
+    echo "no seed corpus in $seeds" >"$line"
+    touch "$SCRATCH/$target.failed"
+    return
+  fi
   mkdir -p "$SCRATCH/$target"
-  log=$SCRATCH/$target.log
   if "$BIN/fuzz_$target" "$SCRATCH/$target" "$seeds" \
       -max_total_time="$SECONDS_PER_TARGET" -rss_limit_mb="$RSS_LIMIT_MB" -malloc_limit_mb="$MALLOC_LIMIT_MB" \
       -artifact_prefix="$ARTIFACTS/$target-" -print_final_stats=1 >"$log" 2>&1; then
+    local runs cov
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
-    cov=$(grep -o 'cov: [0-9]*' "$log" | tail -1)
-    printf '%-20s ok      %10s executions in %ss, %s\n' "$target" "$runs" "$SECONDS_PER_TARGET" "$cov"
+    cov=$(grep -o 'cov: [0-9]*' "$log" | tail -1 || true)
+    printf '%-20s ok      %10s executions in %ss, %s\n' "$target" "$runs" "$SECONDS_PER_TARGET" "$cov" >"$line"
   else
-    printf '%-20s FAILED  (see below)\n' "$target"
-    grep -E 'ERROR|SUMMARY|fuzz check failed|Test unit written' "$log" | head -20 || true
+    { printf '%-20s FAILED  (see below)\n' "$target"
+      grep -E 'ERROR|SUMMARY|fuzz check failed|Test unit written' "$log" | head -20 || true; } >"$line"
     cp "$log" "$ARTIFACTS/$target.log"
-    failed+=("$target")
+    touch "$SCRATCH/$target.failed"
   fi
+}
+
+# FUZZ_JOBS targets run side by side (one per core by default); the summary keeps the list's order.
+FUZZ_JOBS=${FUZZ_JOBS:-$(nproc)}
+for target in "${targets[@]}"; do
+  while [ "$(jobs -rp | wc -l)" -ge "$FUZZ_JOBS" ]; do wait -n || true; done
+  run_target "$target" &
+done
+wait
+failed=()
+for target in "${targets[@]}"; do
+  cat "$SCRATCH/$target.line"
+  [ ! -e "$SCRATCH/$target.failed" ] || failed+=("$target")
 done
 
 if [ ${#failed[@]} -gt 0 ]; then

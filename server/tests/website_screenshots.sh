@@ -15,6 +15,7 @@ cleanup() {
 trap cleanup EXIT
 
 "$server" account add Host --data "$work/data" >/dev/null 2>&1
+: >"$work/log"  # exists before the server opens it, for the loop below
 "$server" --base-port 0 --web-port 0 --bind 127.0.0.1 --data "$work/data" >"$work/log" 2>&1 &
 pid=$!
 for _ in $(seq 100); do
