@@ -123,10 +123,11 @@ with open(figures, "a") as out:
 PY
 
 # The recordings that the host downloaded replay to the agreed results on a fresh client.
+sed "s/^wait_game_end 3000$/wait_game_end $((end_frame + 3000))/" "$scripts/../replay/replay_first_recording.txt" >"$work/replay.txt"
 for number in 0 1 2; do
   rm -rf "$work/replay" && mkdir -p "$work/replay/recordings"
   cp "$work/ann/recordings/recording$number.bin" "$work/replay/recordings/" || fail "recording $number was not downloaded"
-  timeout 120 "$driver" --script "$scripts/../replay/replay_first_recording.txt" --storage "$work/replay" --window 320x200 \
+  timeout "$game_seconds" "$driver" --script "$work/replay.txt" --storage "$work/replay" --window 320x200 \
     --log "$work/replay.jsonl" >"$work/out.txt" 2>"$work/err.txt" || fail "the replay of game $number failed"
   grep -q '"event":"replay_verification","matched":true' "$work/replay.jsonl" || fail "the replay of game $number was not verified"
 done
