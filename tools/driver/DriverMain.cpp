@@ -273,11 +273,16 @@ int main(int argc, char* argv[]) {
   TestLog::log("driver_end", {{"passed", result == kPassed},
                               {"frames", static_cast<long long>(frames)},
                               {"line", static_cast<long long>(source.currentLine())},
-                              {"reason", reason}});
+                              {"reason", reason},
+                              {"stalled_frames", source.stalledFrames()},
+                              {"longest_stall", source.longestStall()}});
   TestLog::close();
   if (temporaryStorage) {
     std::error_code error;
     fs::remove_all(storage, error);
+  }
+  if (source.stalledFrames() > 0) {
+    std::printf("Stalled frames: %lld, at most %lld in a row\n", source.stalledFrames(), source.longestStall());
   }
   if (result == kPassed) {
     std::printf("Script passed after %lld frames\n", frames);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -171,7 +172,13 @@ int ScriptCommandSource::currentLine() const {
   return next_ < script_.steps.size() ? script_.steps[next_].line : 0;
 }
 
-void ScriptCommandSource::observeState(IAppState const&) { ++frames_; }
+void ScriptCommandSource::observeState(IAppState const& state) {
+  ++frames_;
+  if (state.mode() == 3 && !state.gameData().ended && state.gameData().stalledFrames > 0) {
+    ++stalledFrames_;
+    longestStall_ = std::max<long long>(longestStall_, state.gameData().stalledFrames);
+  }
+}
 
 void ScriptCommandSource::fail(ScriptStep const& step, std::string const& reason) {
   failure_ = fmt::format("line {} ({}): {}", step.line, step.text, reason);

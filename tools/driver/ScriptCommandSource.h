@@ -26,6 +26,10 @@ public:
   // The line of the step that runs next, or of the step that failed; 0 at the end.
   int currentLine() const;
   long long frames() const { return frames_; }
+  // Frames of network games that had to wait for the other players' orders, and the longest run of
+  // them in a row.
+  long long stalledFrames() const { return stalledFrames_; }
+  long long longestStall() const { return longestStall_; }
   // A local Aviators game that the script asked for in the last frame, taken once.
   std::optional<ScriptStep> takeLocalGameRequest() {
     std::optional<ScriptStep> request = std::move(localGameRequest_);
@@ -40,6 +44,8 @@ private:
   std::size_t next_ = 0;
   long long stepFrames_ = 0;  // frames spent on the current step
   long long frames_ = 0;      // frames seen in all
+  long long stalledFrames_ = 0;
+  long long longestStall_ = 0;
   bool finished_ = false;
   std::string failure_;
   std::optional<ScriptStep> localGameRequest_;
