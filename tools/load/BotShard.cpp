@@ -108,7 +108,9 @@ struct BotShard::Impl {
     bool startSent = false;
     bool playing = false;
     Nanos phaseNs = 0;
-    std::uint64_t frame = 0;
+    // The seat of the bot at each place of the running game: the relay collates in the order in which
+    // the players joined the room, which needn't be the order of the seats.
+    std::array<int, kPlayersPerGame> seatAtPlace{-1, -1, -1, -1};
     std::vector<SentTick> sent = std::vector<SentTick>(kSendRing);
   };
 
@@ -346,8 +348,20 @@ struct BotShard::Impl {
         return;
       case MessageType::RUNNING_GAME_STATE: {
         RunningGameState running;
-        if (lm::DecodeRunningGameState(body, bodySize, running) && running.udpServerRunning && bot.haveToken &&
-            bot.udp < 0 && bot.stage == Stage::InRoom) {
+        if (!lm::DecodeRunningGameState(body, bodySize, running)) {
+          return fault(bot, "unreadable RUNNING_GAME_STATE");
+        }
+        if (running.players.size() != kPlayersPerGame) {
+          return fault(bot, "the running game doesn't have four players");
+        }
+        for (std::size_t place = 0; place < kPlayersPerGame; ++place) {
+          for (int seat = 0; seat < kPlayersPerGame; ++seat) {
+            if (bots[static_cast<std::size_t>(bot.game * kPlayersPerGame + seat)].playerNumber == running.players[place]) {
+              game.seatAtPlace[place] = seat;
+            }
+          }
+        }
+        if (running.udpServerRunning && bot.haveToken && bot.udp < 0 && bot.stage == Stage::InRoom) {
           bot.portOffset = running.portOffset;
           openSession(index);
         }
@@ -497,8 +511,8 @@ struct BotShard::Impl {
     // The step holds each seat's chunk in order: a length byte and the order of that tick.
     std::size_t at = 0;
     bool right = true;
-    for (int seat = 0; seat < kPlayersPerGame && right; ++seat) {
-      auto const expected = OrderOf(seat, tick, game.number);
+    for (int place = 0; place < kPlayersPerGame && right; ++place) {
+      auto const expected = OrderOf(game.seatAtPlace[static_cast<std::size_t>(place)], tick, game.number);
       right = at < step.size() && step[at] == expected.size() && at + 1 + expected.size() <= step.size() &&
               std::equal(expected.begin(), expected.end(), step.begin() + static_cast<std::ptrdiff_t>(at + 1));
       at += 1 + expected.size();
@@ -547,6 +561,9 @@ struct BotShard::Impl {
       } socket{bot.udp};
       bot.stream.send_updates(socket);
       ++report.ordersSent;
+      if (control.phase.load(std::memory_order_relaxed) == LoadControl::Measuring) {
+        ++report.ordersInWindow;
+      }
       SentTick& sent = game.sent[frame % kSendRing];
       if (sent.tick != frame) {
         sent = SentTick{frame, 0, 0};

@@ -32,6 +32,7 @@ struct ShardReport {
   std::uint64_t stepsInWindow = 0;
   std::uint64_t fewestStepsOfABot = 0;  // in the window, over all bots of the shard
   std::uint64_t ordersSent = 0;
+  std::uint64_t ordersInWindow = 0;
   std::uint64_t stalledFrames = 0;  // frames on which a bot couldn't step: its step hadn't come back
   std::uint64_t wrongSteps = 0;     // collated steps whose chunks weren't the players' orders
   std::uint64_t refusals = 0;       // non-fatal SERVER_ERROR messages
