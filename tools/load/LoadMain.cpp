@@ -47,6 +47,23 @@ std::vector<int> ParsePlayerSteps(std::string const& text) {
   return steps;
 }
 
+// Every bot holds two sockets and the server one a player and one a game: far above the usual soft
+// limit of 1024 descriptors. The soft limit goes up to the hard one; the server inherits it.
+void RaiseDescriptorLimit(int players) {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+    return;
+  }
+  limit.rlim_cur = limit.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &limit);
+  getrlimit(RLIMIT_NOFILE, &limit);
+  auto const needed = static_cast<rlim_t>(players) * 3 + 64;
+  if (limit.rlim_cur < needed) {
+    std::printf("Warning: %llu file descriptors allowed, about %llu needed (raise ulimit -n)\n",
+                static_cast<unsigned long long>(limit.rlim_cur), static_cast<unsigned long long>(needed));
+  }
+}
+
 double OwnCpuSeconds() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -257,6 +274,7 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(options.data);
 
     int const most = *std::max_element(steps.begin(), steps.end());
+    RaiseDescriptorLimit(most);
     std::vector<Credentials> accounts;
     {
       auto const mintStart = std::chrono::steady_clock::now();
