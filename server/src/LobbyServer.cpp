@@ -833,7 +833,7 @@ void LobbyServer::applyRelayOutput(RunningGame& running, GameRelay::Output& out)
 
 void LobbyServer::saveRecording(RunningGame& running) {
   running.savedUpdates = running.relay->relayedUpdates().size();
-  storage_.saveRecordingChunks(running.game, EncodeChunks(running.relay->relayedUpdates()));
+  recordings_.save(running.game, EncodeChunks(running.relay->relayedUpdates()));
 }
 
 void LobbyServer::updateGame(std::uint32_t game, GameResults const& results) {
@@ -851,6 +851,7 @@ void LobbyServer::updateGame(std::uint32_t game, GameResults const& results) {
 }
 
 std::optional<std::vector<unsigned char>> LobbyServer::recordingFile(std::uint32_t game) {
+  recordings_.flush();
   auto const chunks = storage_.recordingChunks(game);
   auto const results = storage_.loadGame(game);
   if (!chunks || !results) {

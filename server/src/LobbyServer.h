@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "GameRelay.h"
+#include "RecordingWriter.h"
 #include "ServerHost.h"
 #include "ServerStorage.h"
 #include "net/LobbyState.h"
@@ -151,4 +152,6 @@ private:
   std::map<std::string, std::string> names_;  // by playerId, its bytes as a string
   std::uint32_t nextGame_ = 0;
   std::deque<std::pair<std::uint32_t, GameResults>> recent_;
+  // Last, so that it is destroyed first: what the destructor hands it is stored before it stops.
+  RecordingWriter recordings_{storage_};
 };
