@@ -36,13 +36,13 @@ void GameRelay::handleDatagram(Endpoint const& from, unsigned char const* data, 
     if (seats_[player].endpoint == from && !stream_.dropped[player]) {
       seats_[player].lastHeardMs = nowMs;
       stream_.handle_game_packet(data, length, static_cast<int>(player));
-      collateAndSend(out);
+      collateAndSend(out, static_cast<int>(player));
       return;
     }
   }
 }
 
-void GameRelay::collateAndSend(Output& out) {
+void GameRelay::collateAndSend(Output& out, int sender) {
   std::uint64_t const before = stream_.next_tick;
   stream_.collate();
   std::uint64_t const built = stream_.next_tick - before;
@@ -59,11 +59,24 @@ void GameRelay::collateAndSend(Output& out) {
       }
     }
   }
-  sendPending(out);
+  // New steps go to everybody. Without one, only the sender hears back, and only if it lacks steps:
+  // its packet has just told what it holds, so a lost step is repeated within a frame, while the other
+  // players' repeats wait for their own packets (or the tick) instead of going out four times a frame.
+  sendPending(out, built > 0 ? -1 : sender);
 }
 
-void GameRelay::sendPending(Output& out) {
+void GameRelay::sendPending(Output& out, int onlyPeer) {
   stream_.discard_acknowledged();
+  if (onlyPeer >= 0) {
+    GameDataPacket packet;
+    auto const& endpoint = seats_[static_cast<std::size_t>(onlyPeer)].endpoint;
+    if (endpoint && stream_.packet_for(onlyPeer, packet)) {
+      std::vector<unsigned char> bytes;
+      packet.to_wire(bytes);
+      out.datagrams.emplace_back(*endpoint, std::move(bytes));
+    }
+    return;
+  }
   struct Transport {
     GameRelay& relay;
     Output& out;

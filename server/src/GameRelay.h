@@ -46,8 +46,10 @@ private:
     std::optional<Endpoint> endpoint;
     std::int64_t lastHeardMs = 0;
   };
-  void collateAndSend(Output& out);
-  void sendPending(Output& out);
+  // Collates what it can and sends: to every live player, or with sender >= 0 and nothing new
+  // collated, to that player alone.
+  void collateAndSend(Output& out, int sender = -1);
+  void sendPending(Output& out, int onlyPeer = -1);
 
   std::vector<std::uint64_t> tokens_;
   std::vector<Seat> seats_;

@@ -209,7 +209,7 @@ void LobbyServer::handleHandshake(ConnectionId id, Connection& connection, unsig
   Log("Player " + std::to_string(player) + " (" + name + ", id " + Hex(request.playerId) + ") logged in");
   host_.send(id, lm::EncodeAuthResponse({true, {}, ServerInfo{}, player}));
   broadcastLobbyState();
-  broadcastPlayerNames();
+  broadcastPlayerNames(player, request.playerId);
   host_.send(id, gameResultsMessage());
 }
 
@@ -623,6 +623,7 @@ void LobbyServer::startGame(unsigned short player, std::uint64_t token, std::int
   running.ended.assign(count, false);
   running.relay = std::make_unique<GameRelay>(tokens, nowMs);
   running_[r] = std::move(running);
+  roomOfPort_[offset] = r;
   room.runningGame = RunningGameState{offset, true, room.players, std::vector<bool>(count, false)};
   room.lastResultsIndex = static_cast<unsigned short>(game & 0xffff);
   std::fill(room.ready.begin(), room.ready.end(), false);
@@ -633,7 +634,7 @@ void LobbyServer::startGame(unsigned short player, std::uint64_t token, std::int
   }
   sendRunningGameState(r);
   broadcastLobbyState();
-  broadcastGameResults();
+  broadcastGameResults(true);
 }
 
 void LobbyServer::gameEnd(unsigned short player, std::vector<unsigned char> resultBytes) {
@@ -685,7 +686,7 @@ void LobbyServer::changeName(unsigned short player, std::string name) {
   names_[idKey(id)] = name;
   storage_.setName(id, name);
   Log("Player " + std::to_string(player) + " is now called " + name);
-  broadcastPlayerNames();
+  broadcastPlayerNames(player, id);
 }
 
 void LobbyServer::requestRecording(unsigned short player, unsigned short game) {
@@ -770,6 +771,7 @@ void LobbyServer::finishIfDone(unsigned short r) {
   }
   Log("Game " + std::to_string(running.game) + " finished");
   host_.closePort(running.portOffset);
+  roomOfPort_.erase(running.portOffset);
   running_.erase(found);
   room.runningGame.reset();
   // Players whose connection went during the game leave the room and the lobby now.
@@ -790,14 +792,17 @@ void LobbyServer::finishIfDone(unsigned short r) {
 
 void LobbyServer::onDatagram(unsigned short portOffset, Endpoint const& from, unsigned char const* data,
                              std::size_t size, std::int64_t nowMs) {
-  for (auto& [room, running] : running_) {
-    if (running.portOffset == portOffset) {
-      GameRelay::Output out;
-      running.relay->handleDatagram(from, data, size, nowMs, out);
-      applyRelayOutput(running, out);
-      return;
-    }
+  auto const room = roomOfPort_.find(portOffset);
+  if (room == roomOfPort_.end()) {
+    return;
   }
+  auto const found = running_.find(room->second);
+  if (found == running_.end()) {
+    return;
+  }
+  GameRelay::Output out;
+  found->second.relay->handleDatagram(from, data, size, nowMs, out);
+  applyRelayOutput(found->second, out);
 }
 
 void LobbyServer::applyRelayOutput(RunningGame& running, GameRelay::Output& out) {
@@ -828,7 +833,7 @@ void LobbyServer::applyRelayOutput(RunningGame& running, GameRelay::Output& out)
 
 void LobbyServer::saveRecording(RunningGame& running) {
   running.savedUpdates = running.relay->relayedUpdates().size();
-  storage_.saveRecordingChunks(running.game, EncodeChunks(running.relay->relayedUpdates()));
+  recordings_.save(running.game, EncodeChunks(running.relay->relayedUpdates()));
 }
 
 void LobbyServer::updateGame(std::uint32_t game, GameResults const& results) {
@@ -846,6 +851,7 @@ void LobbyServer::updateGame(std::uint32_t game, GameResults const& results) {
 }
 
 std::optional<std::vector<unsigned char>> LobbyServer::recordingFile(std::uint32_t game) {
+  recordings_.flush();
   auto const chunks = storage_.recordingChunks(game);
   auto const results = storage_.loadGame(game);
   if (!chunks || !results) {
@@ -895,11 +901,13 @@ std::vector<unsigned char> LobbyServer::gameResultsMessage() {
   return lm::EncodeGameResults(recent_.empty() ? nextGame_ : recent_.front().first, games);
 }
 
-void LobbyServer::broadcastGameResults() {
+void LobbyServer::broadcastGameResults(bool lobbyOnly) {
   std::vector<unsigned char> const message = gameResultsMessage();
-  for (auto const& connection : connectionOf_) {
-    if (connection) {
-      host_.send(*connection, message);
+  for (std::size_t player = 0; player < connectionOf_.size(); ++player) {
+    std::size_t place = 0;
+    if (connectionOf_[player] &&
+        (!lobbyOnly || activeGameOf(static_cast<unsigned short>(player), place) == nullptr)) {
+      host_.send(*connectionOf_[player], message);
     }
   }
 }
@@ -912,11 +920,13 @@ std::vector<unsigned char> LobbyServer::playerNamesMessage() {
   return lm::EncodePlayerNames(names);
 }
 
-void LobbyServer::broadcastPlayerNames() {
-  std::vector<unsigned char> const message = playerNamesMessage();
-  for (auto const& connection : connectionOf_) {
-    if (connection) {
-      host_.send(*connection, message);
+void LobbyServer::broadcastPlayerNames(unsigned short newcomer, std::vector<unsigned char> const& playerId) {
+  // The whole list to everybody on every login would cost the square of the players.
+  sendTo(newcomer, playerNamesMessage());
+  std::vector<unsigned char> const entry = lm::EncodePlayerNames({{playerId, nameOf(playerId)}});
+  for (std::size_t player = 0; player < connectionOf_.size(); ++player) {
+    if (connectionOf_[player] && player != newcomer) {
+      host_.send(*connectionOf_[player], entry);
     }
   }
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "GameRelay.h"
+#include "RecordingWriter.h"
 #include "ServerHost.h"
 #include "ServerStorage.h"
 #include "net/LobbyState.h"
@@ -38,7 +39,7 @@ public:
   static constexpr unsigned short kMaxPlayers = 4000;
   // Port offsets of game relays: 2 and up (the website listens on base port + 1).
   static constexpr unsigned short kFirstPortOffset = 2;
-  static constexpr unsigned short kMaxRunningGames = 200;
+  static constexpr unsigned short kMaxRunningGames = 1000;
 
   LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts = {});
   ~LobbyServer();
@@ -122,8 +123,11 @@ private:
 
   void sendTo(unsigned short player, std::vector<unsigned char> const& payload);
   void broadcastLobbyState();
-  void broadcastGameResults();
-  void broadcastPlayerNames();
+  // To every connection; with lobbyOnly, not to players in a running game (a start changes nothing
+  // that they keep: they get the list again when any game finishes).
+  void broadcastGameResults(bool lobbyOnly = false);
+  // The whole list to one player; to the others only the entry of playerId, which they merge.
+  void broadcastPlayerNames(unsigned short newcomer, std::vector<unsigned char> const& playerId);
   void sendRunningGameState(unsigned short room);
   std::vector<unsigned char> playerNamesMessage();
   std::vector<unsigned char> gameResultsMessage();
@@ -144,7 +148,10 @@ private:
   std::vector<std::optional<ConnectionId>> connectionOf_;  // by player number; absent for a gone player
   std::map<unsigned short, Room> roomInfo_;
   std::map<unsigned short, RunningGame> running_;  // by room
+  std::map<unsigned short, unsigned short> roomOfPort_;  // running games' rooms by port offset
   std::map<std::string, std::string> names_;  // by playerId, its bytes as a string
   std::uint32_t nextGame_ = 0;
   std::deque<std::pair<std::uint32_t, GameResults>> recent_;
+  // Last, so that it is destroyed first: what the destructor hands it is stored before it stops.
+  RecordingWriter recordings_{storage_};
 };

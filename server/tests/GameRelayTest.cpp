@@ -69,3 +69,44 @@ TEST(GameRelay, SilenceDropsOnlyAWaitedForPlayerAndTokensRebind) {
   EXPECT_EQ(relay.relayedUpdates(), (std::vector<Bytes>{{1, 'x', 1, 'b'}, {1, 'y', 0}}));
   EXPECT_TRUE(SentTo(out, bMoved).empty());  // nothing more for a dropped player
 }
+
+// A packet that completes no step is answered to its sender alone, and only with what that sender
+// lacks; the packet that completes a step sends it to everybody. So a game of n players costs n
+// datagrams a step, and a lost step is still repeated at the next packet of the player who lost it.
+TEST(GameRelay, OnlyANewStepGoesToEverybody) {
+  std::vector<Endpoint> const at = {{1, 1}, {1, 2}, {1, 3}};
+  GameRelay relay({11, 22, 33}, 0);
+  GameRelay::Output out;
+  for (std::size_t p = 0; p < at.size(); ++p) {
+    Bytes const request = Request(11 * (p + 1));
+    relay.handleDatagram(at[p], request.data(), request.size(), 0, out);
+  }
+  auto send = [&](std::size_t p, Bytes const& packet) {
+    out = {};
+    relay.handleDatagram(at[p], packet.data(), packet.size(), 0, out);
+  };
+  Bytes const step0 = {1, 'a', 1, 'b', 1, 'c'};
+  Bytes const step1 = {1, 'd', 1, 'e', 1, 'f'};
+
+  send(0, Packet(0, 0, {{'a'}}));
+  EXPECT_TRUE(out.datagrams.empty());
+  send(1, Packet(0, 0, {{'b'}}));
+  EXPECT_TRUE(out.datagrams.empty());
+  send(2, Packet(0, 0, {{'c'}}));
+  ASSERT_EQ(out.datagrams.size(), 3u);
+  for (std::size_t p = 0; p < at.size(); ++p) {
+    EXPECT_EQ(SentTo(out, at[p]), (std::vector<Bytes>{Packet(0, 1, {step0})})) << p;
+  }
+
+  send(0, Packet(1, 1, {{'d'}}));  // has step 0: nothing to say to it
+  EXPECT_TRUE(out.datagrams.empty());
+  send(1, Packet(1, 0, {{'e'}, {'b'}}));  // lost step 0 (and our acknowledgement): step 0 again, to it alone
+  EXPECT_EQ(out.datagrams.size(), 1u);
+  EXPECT_EQ(SentTo(out, at[1]), (std::vector<Bytes>{Packet(0, 2, {step0})}));
+  send(2, Packet(1, 1, {{'f'}}));
+  ASSERT_EQ(out.datagrams.size(), 3u);
+  EXPECT_EQ(SentTo(out, at[0]), (std::vector<Bytes>{Packet(1, 2, {step1})}));
+  EXPECT_EQ(SentTo(out, at[1]), (std::vector<Bytes>{Packet(1, 2, {step1, step0})}));
+  EXPECT_EQ(SentTo(out, at[2]), (std::vector<Bytes>{Packet(1, 2, {step1})}));
+  EXPECT_EQ(relay.relayedUpdates(), (std::vector<Bytes>{step0, step1}));
+}
