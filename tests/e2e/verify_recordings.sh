@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # tandem-verify on real recordings: two drivers play ranked games of each of the three games (two of
-# each) through our server on loopback and download their recordings; every recording must verify, and
-# in one run with them a tampered copy (the agreed result changed) and a cut-off copy must fail with one line each
-# while the others still verify, with exit status 1.
-# Usage: verify_recordings.sh SERVER DRIVER VERIFY SCRIPT_DIRECTORY
+# each) through our server on loopback and download their recordings, and tandem-match plays four-player
+# matches of the ship games with steering orders; every recording must verify. In one run, a recording
+# with one order changed, a copy whose agreed result was changed, a cut-off copy and a missing file must
+# each fail with one line while a good one beside them still verifies, with exit status 1.
+# Usage: verify_recordings.sh SERVER DRIVER VERIFY MATCH SCRIPT_DIRECTORY
 set -u
 server=$1
 driver=$2
 verify=$3
-scripts=$4
+match=$4
+scripts=$5
 source "$(dirname "$0")/lib.sh"
 export TANDEM_AUDIO_DRIVER=${TANDEM_AUDIO_DRIVER:-null}
 touch "$work/out.txt" "$work/err.txt"
@@ -45,10 +47,17 @@ for game in glow_horde vipers aviators glow_horde vipers aviators; do
   number=$((number + 1))
 done
 
-recordings=("$work"/host/recordings/recording{0..5}.bin)
+for game in vipers aviators; do
+  "$match" --game "$game" --players 4 --seed 3 --out "$work/$game-match.bin" >"$work/out.txt" 2>"$work/err.txt" ||
+    fail "tandem-match $game failed"
+done
+"$match" --game aviators --players 2 --seed 7 --tamper --out "$work/order-changed.bin" >"$work/out.txt" 2>"$work/err.txt" ||
+  fail "tandem-match --tamper failed"
+
+recordings=("$work"/host/recordings/recording{0..5}.bin "$work/vipers-match.bin" "$work/aviators-match.bin")
 "$verify" "${recordings[@]}" >"$work/out.txt" 2>"$work/err.txt" || fail "the real recordings did not all verify"
-[ "$(grep -c '^OK ' "$work/out.txt")" -eq 6 ] || fail "not six OK lines"
-grep -q '^6 of 6 recordings reproduced their agreed result$' "$work/out.txt" || fail "no summary line"
+[ "$(grep -c '^OK ' "$work/out.txt")" -eq 8 ] || fail "not eight OK lines"
+grep -q '^8 of 8 recordings reproduced their agreed result$' "$work/out.txt" || fail "no summary line"
 grep -Eq '^OK .*recording2\.bin: reproduced the agreed result \(end frame [0-9]+, .*; [0-9]+ frames in .* ms, [0-9]+x real time$' \
   "$work/out.txt" || fail "the Aviators line lacks its frames or speed"
 
@@ -68,13 +77,15 @@ assert copies == 2, copies
 open(sys.argv[2], "wb").write(data)
 open(sys.argv[3], "wb").write(data[: len(data) // 2])
 PY
-"$verify" "$work/tampered.bin" "${recordings[1]}" "$work/cut.bin" "$work/no-such-file.bin" >"$work/out.txt" 2>"$work/err.txt"
+"$verify" "$work/order-changed.bin" "$work/tampered.bin" "${recordings[1]}" "$work/cut.bin" "$work/no-such-file.bin" \
+  >"$work/out.txt" 2>"$work/err.txt"
 status=$?
 [ "$status" -eq 1 ] || fail "the run with a tampered file ended with status $status, not 1"
-grep -Eq '^(DIFFERS|ERROR) .*tampered\.bin: ' "$work/out.txt" || fail "the tampered recording was not refused"
+grep -q '^DIFFERS .*order-changed\.bin: the replay arrived at ' "$work/out.txt" || fail "the changed order went unnoticed"
+grep -q '^DIFFERS .*tampered\.bin: the replay arrived at ' "$work/out.txt" || fail "the changed result went unnoticed"
 grep -q '^OK .*recording1\.bin: ' "$work/out.txt" || fail "the good recording beside the tampered one did not verify"
 grep -q '^ERROR .*cut\.bin: ' "$work/out.txt" || fail "the cut-off recording gave no error line"
 grep -q '^ERROR .*no-such-file\.bin: ' "$work/out.txt" || fail "the missing file gave no error line"
-grep -q '^1 of 4 recordings reproduced their agreed result$' "$work/out.txt" || fail "wrong summary"
-[ "$(wc -l <"$work/out.txt")" -eq 5 ] || fail "not one line per file"
+grep -q '^1 of 5 recordings reproduced their agreed result$' "$work/out.txt" || fail "wrong summary"
+[ "$(wc -l <"$work/out.txt")" -eq 6 ] || fail "not one line per file"
 echo "verify_recordings: passed"
