@@ -20,9 +20,9 @@ std::unique_ptr<IRunningGame> AviatorsGame::startSession(std::shared_ptr<SDL3App
                                                          GameSettings const& settings,
                                                          std::vector<unsigned short> const& players,
                                                          bool) const {
-  return std::make_unique<HeadlessSession<AviatorsSimulation>>(shared_from_this(), localPlayer, framePeriod, delayFrames,
-                                                  settings, mapFor(settings), players,
-                                                  std::function<CollisionMap(CollisionMap const&)>{});
+  return std::make_unique<HeadlessSession<AviatorsSimulation>>(shared_from_this(), localPlayer, framePeriod,
+                                                               delayFrames, settings, mapFor(settings), players,
+                                                               std::function<CollisionMap(CollisionMap const&)>{});
 }
 
 std::string AviatorsGame::formatResult(std::vector<long long> const& row, bool isTeamResult) const {

@@ -134,8 +134,8 @@ std::unique_ptr<IRunningGame> GlowHordeGame::startSession(std::shared_ptr<SDL3Ap
                                                           unsigned long long framePeriod, unsigned char delayFrames,
                                                           GameSettings const& settings,
                                                           std::vector<unsigned short> const& players, bool) const {
-  return std::make_unique<HeadlessSession<GlowHordeSimulation>>(shared_from_this(), localPlayer, framePeriod, delayFrames,
-                                                  settings, mapFor(settings), players);
+  return std::make_unique<HeadlessSession<GlowHordeSimulation>>(shared_from_this(), localPlayer, framePeriod,
+                                                                delayFrames, settings, mapFor(settings), players);
 }
 
 std::string GlowHordeGame::formatResult(std::vector<long long> const& row, bool) const {

@@ -27,7 +27,7 @@ std::unique_ptr<IRunningGame> VipersGame::startSession(std::shared_ptr<SDL3App>,
                                                        std::vector<unsigned short> const& players,
                                                        bool) const {
   return std::make_unique<HeadlessSession<VipersSimulation>>(shared_from_this(), localPlayer, framePeriod, delayFrames,
-                                                  settings, mapFor(settings), players);
+                                                             settings, mapFor(settings), players);
 }
 
 std::string VipersGame::formatResult(std::vector<long long> const& row, bool) const {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <deque>
+#include <random>
 #include <stdexcept>
 
 #include "net/GameRecordsWire.h"
@@ -117,5 +118,40 @@ TEST(RecordingVerifier, RefusesRecordingsThatNameWhatNoGameHas) {
   for (Recording const& recording : hostile) {
     EXPECT_THROW(VerifyRecording(TheGames(), recording), std::runtime_error);
     EXPECT_THROW(SettleReports(TheGames(), recording), std::runtime_error);
+  }
+}
+
+// Recorded orders are bytes from a file or the network: a game of each kind whose every step carries
+// random orders of random lengths for every player replays to its end without harm, and to the same
+// result twice.
+TEST(RecordingVerifier, GarbageOrdersOfEveryGameReplayToTheSameEnd) {
+  for (Game which : {Game::GlowHorde, Game::Aviators, Game::Vipers}) {
+    SCOPED_TRACE(static_cast<int>(which));
+    IGame const& game = TheGames().refGame(which);
+    GameSettings settings = DefaultSettingsFromSchema(game.schema);
+    settings.ints["duration_seconds"] = 30;
+    GameResults results;
+    ToBytes(GameSpec{which, settings, 15, 2, 2}, results.specBytes);
+    results.playerSlots = {0, 1};
+    results.reportedResults.resize(2);
+    std::mt19937 random(static_cast<unsigned>(which) + 11);
+    std::deque<Bytes> newestFirst;
+    for (int step = 0; step < 1000; ++step) {
+      Bytes update;
+      for (int player = 0; player < 2; ++player) {
+        auto const length = static_cast<unsigned char>(random() % 12);
+        update.push_back(length);
+        for (unsigned char i = 0; i < length; ++i) update.push_back(static_cast<unsigned char>(random()));
+      }
+      newestFirst.push_front(std::move(update));
+    }
+    Recording const recording(newestFirst, results);
+    RecordingVerdict const first = VerifyRecording(TheGames(), recording);
+    RecordingVerdict const second = VerifyRecording(TheGames(), recording);
+    EXPECT_EQ(first.outcome, RecordingVerdict::Outcome::NoAgreedResult);
+    // At most the game's 30 seconds (a ship game ends sooner once one ship is left).
+    EXPECT_GT(first.run.frames, 15u);
+    EXPECT_LE(first.run.frames, 30u * 60u);
+    EXPECT_EQ(first.run.result, second.run.result);
   }
 }
