@@ -119,7 +119,7 @@ void PlayGame(ServerProcess& server, std::string const& data, std::string const&
                                                                 seats[static_cast<std::size_t>(c)].lobby->authToken()));
     sources.emplace_back(clients.back());
     sessions[static_cast<std::size_t>(c)].simulation =
-        std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, spec.delayFrames, settings, map, slots);
+        std::make_unique<GlowHordeSimulation>(c, 16666, spec.delayFrames, settings, map, slots);
     sessions[static_cast<std::size_t>(c)].seed = static_cast<unsigned>(c + 1);
   }
   std::vector<int> stalls(2, 0);
@@ -186,7 +186,7 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   // The replay: a fresh session fed by the recording, in the first player's seat, to its end.
   GameSpec const recorded = ParseGameSpec(recording.results.specBytes);
   Horde replay;
-  replay.simulation = std::make_unique<GlowHordeSimulation>(nullptr, 0, 16666, recorded.delayFrames,
+  replay.simulation = std::make_unique<GlowHordeSimulation>(0, 16666, recorded.delayFrames,
                                                             std::get<GameSettings>(recorded.settings), map,
                                                             recording.results.playerSlots);
   ReplayOrderSource source(recording, 0, recording.players(), recorded.delayFrames);

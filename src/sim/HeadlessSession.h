@@ -15,8 +15,8 @@
 // server). Its own orders always come from a recording, never from a player here, so a Glow Horde order
 // of the local seat that names no unit is ignored exactly as the recorded game ignored it.
 //
-// Simulation is a game's simulation class: constructed from (renderer, localPlayer, framePeriod,
-// delayFrames, settings, map, players, extra...) with a null renderer, and stepped by update.
+// Simulation is a game's simulation class: constructed from (localPlayer, framePeriod, delayFrames,
+// settings, map, players, extra...) and stepped by update.
 template <class Simulation>
 class HeadlessSession final : public IRunningGame {
 public:
@@ -25,7 +25,7 @@ public:
                   unsigned char delayFrames, GameSettings const& settings, MapSettings const& map,
                   std::vector<unsigned short> const& players, Extra&&... extra)
       : game_(std::move(game)),
-        simulation_(nullptr, localPlayer, framePeriod, delayFrames, settings, map, players,
+        simulation_(localPlayer, framePeriod, delayFrames, settings, map, players,
                     std::forward<Extra>(extra)...) {}
 
   IGame const& game() const override { return *game_; }
