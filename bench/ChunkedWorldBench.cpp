@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "world/ChunkedWorld.h"
+#include "present/WorldDrawing.h"
 #include "sim/XXHashHasher.h"
 #include "glow_horde/BenchWorld.h"
 
@@ -94,7 +95,7 @@ private:
 };
 
 std::unique_ptr<ChunkedWorld> LoadedWorld(int frames, DiggingLoad& load) {
-  auto world = std::make_unique<ChunkedWorld>(nullptr, kPlayers, 0, kDelay, Map());
+  auto world = std::make_unique<ChunkedWorld>(kPlayers, 0, kDelay, Map());
   for (int frame = 0; frame < frames; ++frame) load.frame(*world, frame);
   return world;
 }
@@ -218,10 +219,10 @@ void BM_Render_1280x720(benchmark::State& state) {
   SDL_Renderer* renderer = SDL_CreateSoftwareRenderer(surface);
   {
     DiggingLoad load(6);
-    auto world = std::make_unique<ChunkedWorld>(renderer, kPlayers, 0, kDelay, Map());
+    auto world = std::make_unique<ChunkedWorld>(kPlayers, 0, kDelay, Map());
     Camera const camera{100.0f, 150.0f, 1.0f};
     int frame = 0;
-    world->render(camera, 1280, 720);
+    RenderWorld(*world, renderer, camera, 1280, 720);
     for (auto _ : state) {
       if (dirty) {
         state.PauseTiming();
@@ -230,7 +231,7 @@ void BM_Render_1280x720(benchmark::State& state) {
       }
       SDL_SetRenderDrawColor(renderer, 0, 0, 0, 255);
       SDL_RenderClear(renderer);
-      benchmark::DoNotOptimize(world->render(camera, 1280, 720));
+      benchmark::DoNotOptimize(RenderWorld(*world, renderer, camera, 1280, 720));
       SDL_FlushRenderer(renderer);
     }
   }

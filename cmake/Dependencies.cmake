@@ -11,6 +11,7 @@ find_package(SDL3_ttf 3.2 REQUIRED CONFIG)
 find_package(argparse 3 REQUIRED CONFIG)
 find_package(fmt 9 REQUIRED CONFIG)
 pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
+pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
 
 # Dear ImGui with its SDL3 and SDL_Renderer back ends, compiled once into a static library.
 set(IMGUI_SOURCE_DIR "${TANDEM_DEPS_PREFIX}/src/imgui" CACHE PATH "Dear ImGui sources (with backends/)")

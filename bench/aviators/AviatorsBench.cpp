@@ -32,7 +32,7 @@ std::unique_ptr<AviatorsSimulation> NewSimulation(int players, int durationSecon
   for (int i = 0; i < players; ++i) {
     slots.push_back(static_cast<unsigned short>(i));
   }
-  return std::make_unique<AviatorsSimulation>(nullptr, 0, kFramePeriod, 15, settings,
+  return std::make_unique<AviatorsSimulation>(0, kFramePeriod, 15, settings,
                                               Aviators().maps.at("The Empty Berth"), slots, nullptr);
 }
 

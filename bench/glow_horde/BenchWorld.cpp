@@ -47,5 +47,5 @@ MapSettings BenchMapDirectory::map() const {
 
 std::unique_ptr<ChunkedWorld> BuildBenchWorld(int width, int height, std::function<std::uint32_t(int x, int y)> const& pixel) {
   BenchMapDirectory const directory(width, height, pixel);
-  return std::make_unique<ChunkedWorld>(nullptr, 1, 0, 15, directory.map());
+  return std::make_unique<ChunkedWorld>(1, 0, 15, directory.map());
 }

@@ -52,7 +52,7 @@ GameSettings Settings(int units, int spawnDeciseconds, int seconds, int ordersEa
 
 std::unique_ptr<GlowHordeSimulation> MakeGame(GameSettings const& settings) {
   MapSettings const& map = TheGames().refGame(Game::GlowHorde).maps.at("Wrapped Ledges");
-  return std::make_unique<GlowHordeSimulation>(nullptr, 0, 16666, static_cast<std::uint8_t>(k_delay), settings, map,
+  return std::make_unique<GlowHordeSimulation>(0, 16666, static_cast<std::uint8_t>(k_delay), settings, map,
                                                std::vector<unsigned short>{0, 1, 2, 3});
 }
 

@@ -41,7 +41,7 @@ Games const& TheGames() {
 std::unique_ptr<VipersSimulation> MakeGame(std::vector<unsigned short> const& slots, std::uint8_t delay) {
   IGame const& game = TheGames().refGame(Game::Vipers);
   GameSettings settings = DefaultSettingsFromSchema(game.schema);
-  return std::make_unique<VipersSimulation>(nullptr, 0, k_framePeriod, delay, settings,
+  return std::make_unique<VipersSimulation>(0, k_framePeriod, delay, settings,
                                             game.maps.at(settings.strings.at("map")), slots);
 }
 

@@ -86,10 +86,25 @@ std::deque<std::vector<unsigned char>> DecodeChunksNewestFirst(std::vector<unsig
   return updates;
 }
 
+// Two reports or more that differ: the players' clients computed different games.
+bool Disputed(GameResults const& results) {
+  std::vector<unsigned char> const* first = nullptr;
+  for (auto const& report : results.reportedResults) {
+    if (report.empty()) {
+      continue;
+    }
+    if (first != nullptr && report != *first) {
+      return true;
+    }
+    first = &report;
+  }
+  return false;
+}
+
 }  // namespace
 
 LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts)
-    : host_(host), storage_(storage), timeouts_(timeouts) {
+    : host_(host), storage_(storage), timeouts_(timeouts), settler_(std::make_unique<DisputeSettler>()) {
   nextGame_ = storage_.gameCount();
   std::uint32_t const first = nextGame_ > kResultsSent ? nextGame_ - kResultsSent : 0;
   for (auto& [number, results] : storage_.loadGames(first, kResultsSent)) {
@@ -768,6 +783,12 @@ void LobbyServer::finishIfDone(unsigned short r) {
   if (auto results = storage_.loadGame(running.game)) {
     results->finished = true;
     updateGame(running.game, *results);
+    if (Disputed(*results)) {
+      std::optional<std::vector<unsigned char>> file = recordingFile(running.game);
+      bool const queued = file && settler_->submit(running.game, std::move(*file));
+      Log("The reports of game " + std::to_string(running.game) + " disagree; " +
+          (queued ? "re-simulating its recording" : "too many disputes queued, it stays unsettled"));
+    }
   }
   Log("Game " + std::to_string(running.game) + " finished");
   host_.closePort(running.portOffset);
@@ -935,6 +956,7 @@ LobbyServer::Snapshot LobbyServer::snapshot() const {
   Snapshot snapshot;
   snapshot.lobby = lobby_;
   snapshot.names = names_;
+  snapshot.disputes = settler_->settled();
   snapshot.firstGame = recent_.empty() ? nextGame_ : recent_.front().first;
   for (auto const& [number, results] : recent_) {
     snapshot.recentGames.push_back(results);

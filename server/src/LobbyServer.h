@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "DisputeSettler.h"
 #include "GameRelay.h"
 #include "RecordingWriter.h"
 #include "ServerHost.h"
@@ -63,12 +64,16 @@ public:
     std::uint32_t firstGame = 0;
     std::vector<GameResults> recentGames;
     std::size_t connections = 0;
+    std::vector<SettledDispute> disputes;  // oldest first
   };
   Snapshot snapshot() const;
 
   // The bytes of a recording file of a played game, built from its relayed updates and its current
   // results; empty if the server has none.
   std::optional<std::vector<unsigned char>> recordingFile(std::uint32_t game);
+
+  // Finished games whose reports disagree are re-simulated here, off the lobby's thread.
+  DisputeSettler const& disputes() const { return *settler_; }
 
 private:
   enum class Stage { AwaitVersion, AwaitAuth, Lobby };
@@ -152,6 +157,8 @@ private:
   std::map<std::string, std::string> names_;  // by playerId, its bytes as a string
   std::uint32_t nextGame_ = 0;
   std::deque<std::pair<std::uint32_t, GameResults>> recent_;
-  // Last, so that it is destroyed first: what the destructor hands it is stored before it stops.
+  // Stores recordings off the lobby's thread; destroyed after the settler, before the storage's users go.
   RecordingWriter recordings_{storage_};
+  // Last, so that its worker stops first.
+  std::unique_ptr<DisputeSettler> settler_;
 };

@@ -77,6 +77,18 @@ std::string Agreement(GameResults const& results) {
   return first == nullptr ? "<span class=\"none\">no reports</span>" : "<span class=\"agree\">reports agree</span>";
 }
 
+std::string ResultText(GameResult const& result) {
+  std::string text = "end frame " + std::to_string(result.endFrame) + ":";
+  for (auto const& row : result.results) {
+    text += " [";
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      text += (i == 0 ? "" : ", ") + std::to_string(row[i]);
+    }
+    text += "]";
+  }
+  return Escape(text);
+}
+
 std::string ResultText(std::vector<unsigned char> const& report) {
   if (report.empty()) {
     return "-";
@@ -87,15 +99,7 @@ std::string ResultText(std::vector<unsigned char> const& report) {
   if (!FromBytes(cursor, remaining, result)) {
     return "unreadable";
   }
-  std::string text = "end frame " + std::to_string(result.endFrame) + ":";
-  for (auto const& row : result.results) {
-    text += " [";
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      text += (i == 0 ? "" : ", ") + std::to_string(row[i]);
-    }
-    text += "]";
-  }
-  return Escape(text);
+  return ResultText(result);
 }
 
 std::string TimeText(unsigned long long timestampMs) {
@@ -326,6 +330,27 @@ std::string Website::statusPage() const {
           (results.empty() ? std::string("<p>No games played yet.</p>")
                            : "<table><tr><th>Game</th><th>Started</th><th>Game</th><th>State</th><th>Players and "
                              "reported results</th><th>Agreement</th></tr>" + results + "</table>");
+  std::string disputes;
+  for (std::size_t k = snapshot.disputes.size(); k-- > 0;) {
+    SettledDispute const& dispute = snapshot.disputes[k];
+    std::string matching;
+    for (std::size_t i = 0; i < dispute.matches.size(); ++i) {
+      if (dispute.matches[i]) {
+        matching += (matching.empty() ? "" : ", ") + Escape(i < dispute.players.size() ? dispute.players[i] : "?");
+      }
+    }
+    std::string truth = dispute.error.empty() ? "-" : "not re-simulated: " + Escape(dispute.error);
+    if (dispute.truth) {
+      truth = ResultText(*dispute.truth);
+    }
+    disputes += "<tr><td>" + std::to_string(dispute.game) + "</td><td>" + truth + "</td><td>" +
+                (matching.empty() ? std::string("none") : matching) + "</td><td>" + std::to_string(dispute.frames) +
+                "</td></tr>";
+  }
+  body += "<h2>Settled disputes</h2>" +
+          (disputes.empty() ? std::string("<p>No disputed results.</p>")
+                            : "<table><tr><th>Game</th><th>Re-simulated result</th><th>Reports that match it</th>"
+                              "<th>Frames simulated</th></tr>" + disputes + "</table>");
   body += "<h2>Rankings</h2><p>This server does not keep rankings yet; each client keeps its own tables from "
           "the results above.</p>";
   return Page("Server status", body);

@@ -17,6 +17,7 @@
 #include "ServerNetwork.h"
 #include "SqliteStorage.h"
 #include "Website.h"
+#include "app/ChangeToExecutableDirectory.h"
 #include "accounts/CredentialsFile.h"
 #include "accounts/CredentialsString.h"
 
@@ -79,7 +80,15 @@ int ServeCommand(int argc, char** argv) {
     std::cerr << "Ports lie from 0 to 65535.\n";
     return 2;
   }
-  auto storage = OpenStorage(parser.get<std::string>("--data"));
+  // The data directory is taken from where the server was started; the maps of the games, which it
+  // loads to settle disputed results, from data/ beside the program.
+  std::error_code ignored;
+  std::string dataDirectory = std::filesystem::absolute(parser.get<std::string>("--data"), ignored).string();
+  if (dataDirectory.empty()) {
+    dataDirectory = parser.get<std::string>("--data");
+  }
+  ChangeToExecutableDirectory();
+  auto storage = OpenStorage(dataDirectory);
   std::string const bind = parser.get<std::string>("--bind");
   asio::io_context io;
   LobbyTimeouts timeouts;

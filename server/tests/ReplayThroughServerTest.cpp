@@ -3,6 +3,8 @@
 // reported, the way the client's replay page proves a recording.
 #include <gtest/gtest.h>
 
+#include <httplib.h>
+
 #include <filesystem>
 #include <functional>
 #include <random>
@@ -87,22 +89,12 @@ Seat Join(unsigned short port, Credentials const& credentials, std::string const
   return seat;
 }
 
-}  // namespace
-
-TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
-  static Games const games;
-  IGame const& horde = games.refGame(Game::GlowHorde);
-  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
-  settings.strings["map"] = "Cauldrons";
-  settings.ints["duration_seconds"] = 6;
-  settings.ints["number_to_spawn"] = 15;
-  settings.ints["spawn_interval_deciseconds"] = 3;
-  GameSpec const spec{Game::GlowHorde, settings, 10, 2, 2};
-
-  std::string const data = FreshDirectory("replay");
-  std::string const storage = FreshDirectory("replay-client");
-  ServerProcess server(data);
-  std::vector<Seat> seats;
+// Ann and Ben play one Glow Horde game of spec through the server with the client's own network
+// classes, each stepping its own session with orders of its own, to the end.
+void PlayGame(ServerProcess& server, std::string const& data, std::string const& storage, IGame const& horde,
+              GameSettings const& settings, GameSpec const& spec, std::vector<Seat>& seats,
+              std::vector<Horde>& sessions) {
+  sessions.resize(2);
   seats.push_back(Join(server.lobbyPort(), MintWithCommand(data, "Ann"), storage + "/0"));
   seats.push_back(Join(server.lobbyPort(), MintWithCommand(data, "Ben"), storage + "/1"));
   seats[0].lobby->requestCreateGame("replay", spec);
@@ -122,13 +114,12 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   unsigned short const udpPort = static_cast<unsigned short>(server.lobbyPort() + seats[0].lobby->gameStartInfo()->portOffset);
   std::vector<std::shared_ptr<TandemClient<UDPClient>>> clients;
   std::vector<NetworkOrderSource> sources;
-  std::vector<Horde> sessions(2);
   for (int c = 0; c < 2; ++c) {
     clients.push_back(std::make_shared<TandemClient<UDPClient>>("127.0.0.1", udpPort, 2, spec.delayFrames,
                                                                 seats[static_cast<std::size_t>(c)].lobby->authToken()));
     sources.emplace_back(clients.back());
     sessions[static_cast<std::size_t>(c)].simulation =
-        std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, spec.delayFrames, settings, map, slots);
+        std::make_unique<GlowHordeSimulation>(c, 16666, spec.delayFrames, settings, map, slots);
     sessions[static_cast<std::size_t>(c)].seed = static_cast<unsigned>(c + 1);
   }
   std::vector<int> stalls(2, 0);
@@ -145,6 +136,27 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   }
   testing::internal::GetCapturedStdout();
   ASSERT_TRUE(sessions[0].gameEnded() && sessions[1].gameEnded());
+}
+
+}  // namespace
+
+TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
+  static Games const games;
+  IGame const& horde = games.refGame(Game::GlowHorde);
+  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
+  settings.strings["map"] = "Cauldrons";
+  settings.ints["duration_seconds"] = 6;
+  settings.ints["number_to_spawn"] = 15;
+  settings.ints["spawn_interval_deciseconds"] = 3;
+  GameSpec const spec{Game::GlowHorde, settings, 10, 2, 2};
+
+  std::string const data = FreshDirectory("replay");
+  std::string const storage = FreshDirectory("replay-client");
+  ServerProcess server(data);
+  std::vector<Seat> seats;
+  std::vector<Horde> sessions;
+  ASSERT_NO_FATAL_FAILURE(PlayGame(server, data, storage, horde, settings, spec, seats, sessions));
+  MapSettings const& map = horde.maps.at("Cauldrons");
   Bytes const result = sessions[0].result();
   ASSERT_EQ(sessions[1].result(), result);
 
@@ -174,7 +186,7 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   // The replay: a fresh session fed by the recording, in the first player's seat, to its end.
   GameSpec const recorded = ParseGameSpec(recording.results.specBytes);
   Horde replay;
-  replay.simulation = std::make_unique<GlowHordeSimulation>(nullptr, 0, 16666, recorded.delayFrames,
+  replay.simulation = std::make_unique<GlowHordeSimulation>(0, 16666, recorded.delayFrames,
                                                             std::get<GameSettings>(recorded.settings), map,
                                                             recording.results.playerSlots);
   ReplayOrderSource source(recording, 0, recording.players(), recorded.delayFrames);
@@ -185,5 +197,70 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   ASSERT_TRUE(replay.gameEnded());
   EXPECT_EQ(replay.result(), *agreed);
   EXPECT_EQ(replay.simulation->localBaseDigest(), sessions[0].simulation->localBaseDigest());
+  std::filesystem::remove_all(storage);
+}
+
+// Two players report different results of the same game: the server re-simulates the recording with
+// the games' own code, finds Ann's report true and Ben's not, logs it, and the status page's table of
+// settled disputes shows the re-simulated result with Ann alone as matching it.
+TEST(ReplayThroughServer, ADisputedResultIsSettledByTheServersOwnReplay) {
+  static Games const games;
+  IGame const& horde = games.refGame(Game::GlowHorde);
+  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
+  settings.strings["map"] = "Cauldrons";
+  settings.ints["duration_seconds"] = 30;  // the shortest game a room allows
+  settings.ints["number_to_spawn"] = 10;
+  settings.ints["spawn_interval_deciseconds"] = 3;
+  GameSpec const spec{Game::GlowHorde, settings, 10, 2, 2};
+
+  std::string const data = FreshDirectory("dispute");
+  std::string const storage = FreshDirectory("dispute-client");
+  ServerProcess server(data);
+  std::vector<Seat> seats;
+  std::vector<Horde> sessions;
+  ASSERT_NO_FATAL_FAILURE(PlayGame(server, data, storage, horde, settings, spec, seats, sessions));
+  ASSERT_EQ(sessions[0].result(), sessions[1].result());
+  GameResult truth;
+  Bytes const bytes = sessions[0].result();
+  unsigned char const* cursor = bytes.data();
+  std::size_t remaining = bytes.size();
+  ASSERT_TRUE(FromBytes(cursor, remaining, truth));
+  ASSERT_FALSE(truth.results.empty());
+  GameResult forged = truth;
+  forged.results[0][0] += 1;  // Ben claims one more unit out for the first team
+  seats[0].lobby->notifyGameEnd(truth);
+  seats[1].lobby->notifyGameEnd(forged);
+  for (Seat& seat : seats) {
+    ASSERT_TRUE(Poll([&] { seat.pump(); }, [&] { return !seat.finished.empty(); }));
+  }
+  // The clients' own tables never see a disputed game: it has no agreed result.
+  for (Seat& seat : seats) {
+    GameResults const* played = seat.lobby->playedGame(seat.finished.back());
+    ASSERT_NE(played, nullptr);
+    EXPECT_EQ(played->reportedResults.size(), 2u);
+    EXPECT_FALSE(AgreedResultBytes(*played));
+  }
+
+  // The row the status page must show: the true result as the page writes results, and Ann.
+  std::string truthText = "end frame " + std::to_string(truth.endFrame) + ":";
+  for (auto const& row : truth.results) {
+    truthText += " [";
+    for (std::size_t i = 0; i < row.size(); ++i) truthText += (i == 0 ? "" : ", ") + std::to_string(row[i]);
+    truthText += "]";
+  }
+  httplib::Client web("127.0.0.1", server.webPort());
+  std::string page;
+  ASSERT_TRUE(Poll([] {}, [&] {
+    auto const response = web.Get("/status");
+    page = response ? response->body : "";
+    return page.find("<h2>Settled disputes</h2><table>") != std::string::npos;
+  }, 20000ms)) << page;
+  std::size_t const row = page.find("<tr><td>0</td><td>" + truthText + "</td><td>Ann</td><td>");
+  EXPECT_NE(row, std::string::npos) << page;
+  EXPECT_EQ(page.find("Ben</td><td>", row), std::string::npos);
+
+  EXPECT_EQ(server.terminate(), 0);
+  EXPECT_NE(server.output().find("The reports of game 0 disagree; re-simulating its recording"), std::string::npos);
+  EXPECT_NE(server.output().find("reports that match: 0 (Ann)\n"), std::string::npos) << server.output();
   std::filesystem::remove_all(storage);
 }

@@ -24,7 +24,7 @@
 #include "app/ProcessUICommands.h"
 #include "app/QZAssert.h"
 #include "sim/ReplayOrderSource.h"
-#include "sim/ResultConsensus.h"
+#include "sim/ReplayPlan.h"
 #include "app/SDL3App.h"
 #include "app/ShowPerformanceTimings.h"
 #include "app/TestLog.h"
@@ -38,50 +38,6 @@ constexpr RGBColour kClearColour{0.06f, 0.04f, 0.01f};
 // Microseconds of game time in one frame: 1000000 / 60 in integer arithmetic.
 constexpr unsigned long long kFramePeriod = 16666;
 constexpr unsigned char kTutorialDelayFrames = 15;
-
-// Why a recorded game can't be played by this client, or nothing if it can: the recording names settings
-// that the game's tables don't have, a map it doesn't know, values outside the schema, or players whose
-// slots aren't the map's. Recordings come from files and the network, so this is checked, never assumed.
-std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const& spec,
-                                               std::vector<std::uint16_t> const& players) {
-  GameSettings const* settings = nullptr;
-  if (auto const* coop = std::get_if<CoopChallengeIndex>(&spec.settings)) {
-    if (coop->index >= game.lookup.coopChallenges.size()) return "it names a challenge that this client doesn't know";
-    settings = &game.lookup.coopChallenges[coop->index].settings;
-  } else if (auto const* ranked = std::get_if<RankedMatchIndex>(&spec.settings)) {
-    if (ranked->index >= game.lookup.rankedMatches.size()) return "it names a ranked match that this client doesn't know";
-    settings = &game.lookup.rankedMatches[ranked->index].settings;
-  } else {
-    settings = &std::get<GameSettings>(spec.settings);
-  }
-  auto const map = settings->strings.find("map");
-  if (map == settings->strings.end() || game.maps.count(map->second) == 0) return "its map is unknown";
-  // The catalogue's own entries are this client's and are taken as they stand; custom settings are
-  // checked against the schema. A schema row whose minimum lies above its maximum bounds nothing.
-  bool const fromCatalogue = !std::holds_alternative<GameSettings>(spec.settings);
-  for (SchemaEntry const& entry : game.schema) {
-    if (entry.key == "map" || fromCatalogue) continue;
-    if (entry.kind == SchemaEntry::Integer) {
-      auto const value = settings->ints.find(entry.key);
-      bool const bounded = entry.minimum <= entry.maximum;
-      if (value == settings->ints.end() ||
-          (bounded && (value->second < entry.minimum || value->second > entry.maximum))) {
-        return "its setting \"" + entry.key + "\" is missing or out of range";
-      }
-    } else {
-      auto const value = settings->strings.find(entry.key);
-      if (value == settings->strings.end() ||
-          std::find(entry.choices.begin(), entry.choices.end(), value->second) == entry.choices.end()) {
-        return "its setting \"" + entry.key + "\" is missing or not one of its choices";
-      }
-    }
-  }
-  std::size_t const slots = game.playerTeamsForMap(map->second).size();
-  for (std::uint16_t slot : players) {
-    if (slot >= slots) return "a player's slot isn't one of the map's";
-  }
-  return std::nullopt;
-}
 
 }  // namespace
 
@@ -388,12 +344,11 @@ void MainLoopContext::frame(mainloop::ConnectedState& connected, bool skipRender
 template <class GameState>
 void MainLoopContext::gameBackground(GameState& current) {
   if constexpr (std::is_same_v<GameState, mainloop::ReplayState>) {
-    // The replay ends where the players' games ended, even if they ended a game early.
-    if (current.hasExpectedEnd && current.game->currentFrame() + current.delayFrames == current.expectedEndFrame) {
-      current.game->endGameNow();
-    }
+    StepReplay(*current.game, *current.orderSource, current.stalledFrames, current.hasExpectedEnd,
+               current.expectedEndFrame, current.delayFrames);
+  } else {
+    UpdateSimulation(*current.game, *current.orderSource, current.stalledFrames);
   }
-  UpdateSimulation(*current.game, *current.orderSource, current.stalledFrames);
   endSection("simulation");
   waitAndStartFrame();
 }
@@ -502,11 +457,7 @@ void MainLoopContext::leaveReplay(mainloop::ReplayState& replay, CommandOutcome 
   // A replay left before its expected end has no kept result, and nothing is compared.
   if (replay.expectedResult && outcome.result) {
     GameResult const& actual = *outcome.result;
-    GameResult expected;
-    unsigned char const* cursor = replay.expectedResult->data();
-    std::size_t remaining = replay.expectedResult->size();
-    bool const parsed = FromBytes(cursor, remaining, expected);
-    bool const matched = parsed && expected == actual;
+    bool const matched = ReplayMatches(*replay.expectedResult, actual);
     if (TestLog::isEnabled()) {
       TestLog::log("replay_verification", {{"matched", matched},
                                            {"end_frame", static_cast<long long>(actual.endFrame)},
@@ -547,34 +498,15 @@ void MainLoopContext::carryOut(transition::Any const& requested) {
         throw std::runtime_error("The recording is of a game that this client doesn't know.");
       }
       IGame const& game = context.shared.games.refGame(spec.game);
-      if (std::optional<std::string> problem = RecordedGameProblem(game, spec, recording.results.playerSlots)) {
-        throw std::runtime_error(fmt::format("The recording can't be replayed: {}.", *problem));
-      }
-      GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
+      ReplayPlan plan = PlanReplay(game, spec, recording);
       mainloop::ReplayState next;
-      next.players = recording.results.playerSlots;
-      // A damaged or crafted file may name any number of players; a session needs one at least, and
-      // no more than the map has places for.
-      std::uint16_t const places = game.maxPlayersForMap(ValueAt(settings.strings, std::string("map")));
-      if (next.players.empty() || next.players.size() > places) {
-        throw std::runtime_error(fmt::format("The recording names {} players, but its map has places for 1 to {}.",
-                                             next.players.size(), places));
-      }
-      next.game = game.startSession(context.app, 0, kFramePeriod, spec.delayFrames, settings, next.players, false);
+      next.players = plan.players;
+      next.game = game.startSession(context.app, 0, kFramePeriod, spec.delayFrames, plan.settings, next.players, false);
       next.orderSource = std::make_unique<ReplayOrderSource>(recording, 0, static_cast<int>(next.players.size()),
                                                              static_cast<int>(spec.delayFrames));
-      if (std::optional<std::vector<unsigned char>> agreed = AgreedResultBytes(recording.results)) {
-        GameResult result;
-        unsigned char const* cursor = agreed->data();
-        std::size_t remaining = agreed->size();
-        // A result too short to read gives neither an end nor anything to compare: the replay runs
-        // to its own end.
-        if (FromBytes(cursor, remaining, result)) {
-          next.hasExpectedEnd = true;
-          next.expectedEndFrame = result.endFrame;
-          next.expectedResult = std::move(agreed);
-        }
-      }
+      next.hasExpectedEnd = plan.hasExpectedEnd;
+      next.expectedEndFrame = plan.expectedEndFrame;
+      next.expectedResult = std::move(plan.expectedResult);
       next.delayFrames = spec.delayFrames;
       context.next_.emplace(std::move(next));
     }

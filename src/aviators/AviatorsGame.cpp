@@ -2,7 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "aviators/RunningAviators.h"
+#include "aviators/AviatorsSimulation.h"
+#include "sim/HeadlessSession.h"
 #include "world/EmptyBerthMap.h"
 #include "sim/SchemaEntries.h"
 
@@ -14,14 +15,14 @@ AviatorsGame::AviatorsGame(Private) {
   lookup.rankedMatches = EmptyBerthRankedMatches(schema);
 }
 
-std::unique_ptr<IRunningGame> AviatorsGame::startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+std::unique_ptr<IRunningGame> AviatorsGame::startSession(std::shared_ptr<SDL3App>, int localPlayer,
                                                          unsigned long long framePeriod, unsigned char delayFrames,
                                                          GameSettings const& settings,
                                                          std::vector<unsigned short> const& players,
-                                                         bool debugTools) const {
-  MapSettings const map = mapFor(settings);
-  return std::make_unique<RunningAviators>(shared_from_this(), std::move(app), localPlayer, framePeriod, delayFrames,
-                                           settings, map, players, debugTools);
+                                                         bool) const {
+  return std::make_unique<HeadlessSession<AviatorsSimulation>>(shared_from_this(), localPlayer, framePeriod,
+                                                               delayFrames, settings, mapFor(settings), players,
+                                                               std::function<CollisionMap(CollisionMap const&)>{});
 }
 
 std::string AviatorsGame::formatResult(std::vector<long long> const& row, bool isTeamResult) const {

@@ -2,8 +2,9 @@
 
 #include "sim/GameCatalogue.h"
 
-// The catalogue of Aviators: its map, schema and ranked matches, and the wording of results.
-class AviatorsGame final : public GameCatalogue<AviatorsGame, Game::Aviators> {
+// The catalogue of Aviators: its map, schema and ranked matches, and the wording of results. Its sessions
+// here are headless (the simulation alone); the client's own draw and sound (AviatorsClientGame).
+class AviatorsGame : public GameCatalogue<AviatorsGame, Game::Aviators> {
 public:
   explicit AviatorsGame(Private);
 

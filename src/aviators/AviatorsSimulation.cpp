@@ -18,7 +18,7 @@ constexpr std::int32_t k_expandRadius = 10;
 
 }  // namespace
 
-AviatorsSimulation::AviatorsSimulation(SDL_Renderer* renderer, int localPlayer, std::uint64_t framePeriod,
+AviatorsSimulation::AviatorsSimulation(int localPlayer, std::uint64_t framePeriod,
                                        std::uint8_t delayFrames, GameSettings const& settings, MapSettings const& map,
                                        std::vector<unsigned short> const& players,
                                        std::function<CollisionMap(CollisionMap const&)> const& expand)
@@ -26,7 +26,7 @@ AviatorsSimulation::AviatorsSimulation(SDL_Renderer* renderer, int localPlayer, 
       teams_(map.playerTeams) {
   std::int32_t const duration = settings.ints.at("duration_seconds");
   missileSpeed_ = settings.ints.at("missile_speed");
-  world_ = std::make_unique<ChunkedWorld>(renderer, static_cast<int>(players.size()), localPlayer, delayFrames, map);
+  world_ = std::make_unique<ChunkedWorld>(static_cast<int>(players.size()), localPlayer, delayFrames, map);
 
   std::int32_t const width = world_->width();
   std::int32_t const height = world_->height();

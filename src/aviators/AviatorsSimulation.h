@@ -1,7 +1,5 @@
 #pragma once
 
-#include <SDL3/SDL.h>
-
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -29,10 +27,10 @@ public:
     std::int32_t impact = -1;  // for SmallHit after a crash: the speed before it (volume impact / 3072); else -1
   };
 
-  // Builds the world (its renderer may be null), the two collision maps (bodyMap through `expand`,
+  // Builds the world, the two collision maps (bodyMap through `expand`,
   // which the session times) and the ships, then runs the head start of delayFrames frames. Raises
   // std::out_of_range without "duration_seconds" or "missile_speed".
-  AviatorsSimulation(SDL_Renderer* renderer, int localPlayer, std::uint64_t framePeriod, std::uint8_t delayFrames,
+  AviatorsSimulation(int localPlayer, std::uint64_t framePeriod, std::uint8_t delayFrames,
                      GameSettings const& settings, MapSettings const& map, std::vector<unsigned short> const& players,
                      std::function<CollisionMap(CollisionMap const&)> const& expand);
 

@@ -15,6 +15,7 @@
 #include "present/Renderer.h"
 #include "present/SoundSystem.h"
 #include "present/TextureCache.h"
+#include "present/WorldDrawing.h"
 #include "sim/PlayerSlots.h"
 
 namespace {
@@ -50,7 +51,7 @@ RunningAviators::RunningAviators(std::shared_ptr<AviatorsGame const> game, std::
                                  GameSettings const& settings, MapSettings const& map,
                                  std::vector<unsigned short> const& players, bool debugTools)
     : game_(std::move(game)), app_(std::move(app)),
-      simulation_(app_ ? app_->getRenderer() : nullptr, localPlayer, framePeriod, delayFrames, settings, map, players,
+      simulation_(localPlayer, framePeriod, delayFrames, settings, map, players,
                   TimedExpand),
       debugTools_(debugTools) {
   if (app_) {
@@ -235,7 +236,7 @@ void RunningAviators::render() {
   TextureCache& textures = app_->getTextures();
   Renderer const renderer(app_->getRenderer(), textures, screenWidth, screenHeight, world.width(), world.height(),
                           world.cameraWrapX(), world.cameraWrapY(), camera_);
-  world.render(camera_, screenWidth, screenHeight);
+  RenderWorld(world, app_->getRenderer(), camera_, screenWidth, screenHeight);
 
   std::uint32_t const frame = simulation_.frame();
   auto dyingOf = [&](Aviator const& ship) {

@@ -4,7 +4,8 @@
 
 #include "world/MapDigests.h"
 #include "sim/SchemaEntries.h"
-#include "glow_horde/RunningGlowHorde.h"
+#include "glow_horde/GlowHordeSimulation.h"
+#include "sim/HeadlessSession.h"
 
 namespace {
 
@@ -129,13 +130,12 @@ GlowHordeGame::GlowHordeGame(Private) {
   };
 }
 
-std::unique_ptr<IRunningGame> GlowHordeGame::startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+std::unique_ptr<IRunningGame> GlowHordeGame::startSession(std::shared_ptr<SDL3App>, int localPlayer,
                                                           unsigned long long framePeriod, unsigned char delayFrames,
                                                           GameSettings const& settings,
                                                           std::vector<unsigned short> const& players, bool) const {
-  MapSettings const map = mapFor(settings);
-  return std::make_unique<RunningGlowHorde>(shared_from_this(), std::move(app), localPlayer, framePeriod, delayFrames,
-                                            settings, map, players);
+  return std::make_unique<HeadlessSession<GlowHordeSimulation>>(shared_from_this(), localPlayer, framePeriod,
+                                                                delayFrames, settings, mapFor(settings), players);
 }
 
 std::string GlowHordeGame::formatResult(std::vector<long long> const& row, bool) const {

@@ -4,8 +4,9 @@
 
 class SDL3App;
 
-// The catalogue of Glow Horde: schema, maps, co-op challenges, ranked matches; the factory of sessions.
-class GlowHordeGame final : public GameCatalogue<GlowHordeGame, Game::GlowHorde> {
+// The catalogue of Glow Horde: schema, maps, co-op challenges, ranked matches; its sessions here are
+// headless (the simulation alone), the client's own draw and sound (GlowHordeClientGame).
+class GlowHordeGame : public GameCatalogue<GlowHordeGame, Game::GlowHorde> {
 public:
   explicit GlowHordeGame(Private);
 

@@ -15,10 +15,10 @@ constexpr char const* k_availabilityKeys[k_lemmingActivityCount] = {
     "bridge_orders",       "horizontal_bridge_orders", "raise_ground_orders", "block_orders",
     "dig_down_orders",     "dig_sideways_orders",      "dig_upwards_orders"};
 
-SDL_Color SlotColour(unsigned short slot) {
+UnitColour SlotColour(unsigned short slot) {
   PlayerSlot const& entry = SLOTS.at(slot);
-  return SDL_Color{static_cast<Uint8>(entry.red * 255.0f), static_cast<Uint8>(entry.green * 255.0f),
-                   static_cast<Uint8>(entry.blue * 255.0f), 255};
+  return UnitColour{static_cast<std::uint8_t>(entry.red * 255.0f), static_cast<std::uint8_t>(entry.green * 255.0f),
+                    static_cast<std::uint8_t>(entry.blue * 255.0f), 255};
 }
 
 } // namespace
@@ -33,11 +33,11 @@ Position GlowHordeSimulation::WrappedAlways(Position position, int worldWidth, i
   return position;
 }
 
-GlowHordeSimulation::GlowHordeSimulation(SDL_Renderer* renderer, int localPlayer, std::uint64_t framePeriod,
+GlowHordeSimulation::GlowHordeSimulation(int localPlayer, std::uint64_t framePeriod,
                                          std::uint8_t delayFrames, GameSettings const& settings,
                                          MapSettings const& map, std::vector<unsigned short> const& players)
     : localPlayer_(localPlayer), delayFrames_(delayFrames), framePeriod_(framePeriod),
-      world_(std::make_unique<ChunkedWorld>(renderer, static_cast<int>(players.size()), localPlayer, delayFrames,
+      world_(std::make_unique<ChunkedWorld>(static_cast<int>(players.size()), localPlayer, delayFrames,
                                             map)),
       slots_(players), teams_(map.playerTeams) {
   compactExits(map);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <SDL3/SDL.h>
-
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -32,9 +30,8 @@ public:
   // Units within this distance of an exit leave through it.
   static constexpr int k_exitRadius = 30;
 
-  // renderer may be null when nothing is drawn. Raises std::out_of_range for a missing setting or
-  // map entry and the world's texts for a bad image.
-  GlowHordeSimulation(SDL_Renderer* renderer, int localPlayer, std::uint64_t framePeriod, std::uint8_t delayFrames,
+  // Raises std::out_of_range for a missing setting or map entry and the world's texts for a bad image.
+  GlowHordeSimulation(int localPlayer, std::uint64_t framePeriod, std::uint8_t delayFrames,
                       GameSettings const& settings, MapSettings const& map, std::vector<unsigned short> const& players);
 
   // One frame. orders holds one entry per player, in player order, each the order that player gave

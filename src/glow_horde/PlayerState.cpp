@@ -6,7 +6,6 @@
 
 #include "world/ChunkedWorld.h"
 #include "app/QZAssert.h"
-#include "present/Renderer.h"
 #include "glow_horde/LemmingWorld.h"
 
 namespace {
@@ -31,19 +30,6 @@ std::int64_t AxisDistance(std::int64_t a, std::int64_t b, bool wraps, std::int64
   return wraps ? std::min(d, size - d) : d;
 }
 
-char const* TriggerIcon(LemmingActivityTrigger trigger) {
-  switch (trigger) {
-  case LemmingActivityTrigger::WhenBlocked:
-    return "blocked_icon.png";
-  case LemmingActivityTrigger::BeforeFalling:
-    return "falling_icon.png";
-  case LemmingActivityTrigger::AfterTurning:
-    return "turned_icon.png";
-  case LemmingActivityTrigger::Immediate:
-    break;
-  }
-  return nullptr;
-}
 
 } // namespace
 
@@ -188,31 +174,6 @@ bool PlayerState::shownFor(Lemming const& lemming, DirectionFilter filter, Lemmi
   // With an Immediate order in hand, falling units can't be chosen, so they are shown dimmed.
   bool const selectable = trigger != LemmingActivityTrigger::Immediate || !lemming.inAir();
   return selectable && PassesDirectionFilter(filter, lemming.facingRight());
-}
-
-void PlayerState::render(Renderer const& renderer, DirectionFilter filter, LemmingActivityTrigger trigger) const {
-  for (Lemming const& lemming : lemmings_) {
-    Position const p = lemming.position();
-    if (shownFor(lemming, filter, trigger)) {
-      renderer.renderLemming(p);
-    }
-    if (lemming.activity().has_value()) {
-      if (char const* icon = TriggerIcon(lemming.trigger())) {
-        renderer.renderTexture_CentreAnchor(icon, static_cast<float>(p.x), static_cast<float>(p.y + 23), 1.0f,
-                                            0.0f, !lemming.facingRight());
-      }
-    }
-  }
-  renderer.renderEntry(spawn_);
-}
-
-void PlayerState::renderLowAlpha(Renderer const& renderer, DirectionFilter filter,
-                                 LemmingActivityTrigger trigger) const {
-  for (Lemming const& lemming : lemmings_) {
-    if (!shownFor(lemming, filter, trigger)) {
-      renderer.renderLemming(lemming.position());
-    }
-  }
 }
 
 template <typename Sink> void PlayerState::feedHashedFields(Sink&& sink) const {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <SDL3/SDL.h>
-
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -16,6 +14,14 @@
 #include "glow_horde/UIOrder.h"
 
 class ChunkedWorld;
+// A player's colour, red, green, blue and alpha: part of its hashed state, and how its units are drawn.
+struct UnitColour {
+  std::uint8_t r = 255;
+  std::uint8_t g = 255;
+  std::uint8_t b = 255;
+  std::uint8_t a = 255;
+};
+
 class Renderer;
 
 // Everything one player owns in a game: the units, the spawn point and its schedule, and the counts
@@ -30,7 +36,7 @@ public:
     std::int64_t spawnInterval = 0; // microseconds between units
     std::int64_t framePeriod = 0;   // microseconds of game time per frame
     bool nextFacingRight = false;
-    SDL_Color colour{255, 255, 255, 255};
+    UnitColour colour{255, 255, 255, 255};
     ActivityAvailabilities availabilities;
     int worldWidth = 0;
     int worldHeight = 0;
@@ -74,7 +80,7 @@ public:
   int toSpawn() const { return toSpawn_; }
   std::int64_t spawnClock() const { return spawnClock_; }
   bool nextFacingRight() const { return nextFacingRight_; }
-  SDL_Color colour() const { return colour_; }
+  UnitColour colour() const { return colour_; }
   std::vector<Lemming> const& lemmings() const { return lemmings_; }
   ActivityAvailabilities const& availabilities() const { return availabilities_; }
 
@@ -90,7 +96,7 @@ private:
   std::int64_t framePeriod_;
   std::int64_t spawnClock_ = 0;
   bool nextFacingRight_;
-  SDL_Color colour_;
+  UnitColour colour_;
   std::uint16_t nextId_ = 0;
   std::vector<Lemming> lemmings_;
   ActivityAvailabilities availabilities_;

@@ -9,6 +9,7 @@
 #include "app/SDL3App.h"
 #include "present/SoundSystem.h"
 #include "present/TextureCache.h"
+#include "present/WorldDrawing.h"
 #include "glow_horde/DisplayActivitySelector.h"
 #include "glow_horde/GlowHordeGame.h"
 #include "glow_horde/RenderTeamInfoAndScores.h"
@@ -19,7 +20,9 @@ namespace {
 constexpr char const* k_orderSound = "order_given.wav";
 constexpr char const* k_exitSound = "exit.wav";
 
-SDL_Color Dimmed(SDL_Color colour) {
+SDL_Color Shown(UnitColour colour) { return SDL_Color{colour.r, colour.g, colour.b, colour.a}; }
+
+SDL_Color Dimmed(UnitColour colour) {
   auto const dim = [](Uint8 channel) { return static_cast<Uint8>(static_cast<float>(channel) * 0.4f); };
   return SDL_Color{dim(colour.r), dim(colour.g), dim(colour.b), colour.a};
 }
@@ -31,7 +34,7 @@ RunningGlowHorde::RunningGlowHorde(std::shared_ptr<GlowHordeGame const> game, st
                                    GameSettings const& settings, MapSettings const& map,
                                    std::vector<unsigned short> const& players)
     : game_(std::move(game)), app_(std::move(app)),
-      simulation_(app_->getRenderer(), localPlayer, framePeriod, delayFrames, settings, map, players),
+      simulation_(localPlayer, framePeriod, delayFrames, settings, map, players),
       controls_(simulation_.world().width(), simulation_.world().height(), map.cameraWrapX, map.cameraWrapY) {
   app_->getSoundSystem().preloadSound(k_orderSound);
   app_->getSoundSystem().preloadSound(k_exitSound);
@@ -82,14 +85,14 @@ void RunningGlowHorde::render() {
   Camera const& camera = controls_.camera();
   Renderer const renderer(app_->getRenderer(), textures, screenWidth, screenHeight, world.width(), world.height(),
                           world.cameraWrapX(), world.cameraWrapY(), camera);
-  world.render(camera, screenWidth, screenHeight);
+  RenderWorld(world, app_->getRenderer(), camera, screenWidth, screenHeight);
 
   DirectionFilter const filter = controls_.directionFilter();
   LemmingActivityTrigger const trigger = controls_.triggerInEffect();
   std::vector<PlayerState> const& players = simulation_.players();
   for (std::size_t p = 0; p < players.size(); ++p) {
     PlayerState const& player = players[p];
-    textures.setGreyscaleColour(player.colour());
+    textures.setGreyscaleColour(Shown(player.colour()));
     player.render(renderer, filter, trigger);
     if (static_cast<int>(p) == simulation_.localPlayer() && controls_.hoverPosition().has_value()) {
       if (std::optional<Position> chosen =

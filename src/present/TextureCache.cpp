@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "world/MapImages.h"
+#include "present/MapSurfaces.h"
 
 namespace {
 

@@ -7,8 +7,9 @@
 #include "sim/IGame.h"
 
 class Games;
+class HeadlessGames;
 
-// What every game's catalogue shares: only Games makes one (through the Private pass key), a session
+// What every game's catalogue shares: only Games and HeadlessGames make one (through the Private pass key), a session
 // holds on to its game through shared_from_this(), and the game names its own type. The catalogue
 // fills the schema, the maps and the lookup in its constructor.
 template <typename Derived, Game kType>
@@ -21,6 +22,8 @@ protected:
     explicit Private() = default;
   };
   friend class Games;
+  friend class HeadlessGames;
+class HeadlessGames;
 
   // For a game whose sessions this build doesn't have: checks the map like any session would, then
   // refuses with a sentence that names the game.

@@ -1,11 +1,11 @@
 #include "sim/Games.h"
 
-#include "aviators/AviatorsGame.h"
-#include "glow_horde/GlowHordeGame.h"
-#include "vipers/VipersGame.h"
+#include "aviators/AviatorsClientGame.h"
+#include "glow_horde/GlowHordeClientGame.h"
+#include "vipers/VipersClientGame.h"
 
 Games::Games() {
-  games_.push_back(std::make_shared<GlowHordeGame>(GlowHordeGame::Private{}));
-  games_.push_back(std::make_shared<AviatorsGame>(AviatorsGame::Private{}));
-  games_.push_back(std::make_shared<VipersGame>(VipersGame::Private{}));
+  games_.push_back(std::make_shared<GlowHordeClientGame>(GlowHordeClientGame::Private{}));
+  games_.push_back(std::make_shared<AviatorsClientGame>(AviatorsClientGame::Private{}));
+  games_.push_back(std::make_shared<VipersClientGame>(VipersClientGame::Private{}));
 }

@@ -10,6 +10,7 @@
 #include "present/Renderer.h"
 #include "present/SoundSystem.h"
 #include "present/TextureCache.h"
+#include "present/WorldDrawing.h"
 #include "sim/PlayerSlots.h"
 #include "vipers/RenderTail.h"
 #include "vipers/TeamAndRemainingTime.h"
@@ -46,7 +47,7 @@ RunningVipers::RunningVipers(std::shared_ptr<VipersGame const> game, std::shared
                              unsigned long long framePeriod, unsigned char delayFrames, GameSettings const& settings,
                              MapSettings const& map, std::vector<unsigned short> const& players, bool debugTools)
     : game_(std::move(game)), app_(std::move(app)),
-      simulation_(app_->getRenderer(), localPlayer, framePeriod, delayFrames, settings, map, players),
+      simulation_(localPlayer, framePeriod, delayFrames, settings, map, players),
       cameraWrapX_(map.cameraWrapX), cameraWrapY_(map.cameraWrapY), debugTools_(debugTools) {
   SoundSystem& sound = app_->getSoundSystem();
   sound.preloadSound(k_hitSound);
@@ -145,7 +146,7 @@ void RunningVipers::render() {
   TextureCache& textures = app_->getTextures();
   Renderer const renderer(app_->getRenderer(), textures, screenWidth, screenHeight, world.width(), world.height(),
                           cameraWrapX_, cameraWrapY_, camera_);
-  world.render(camera_, screenWidth, screenHeight);
+  RenderWorld(world, app_->getRenderer(), camera_, screenWidth, screenHeight);
 
   // Food glows through the colours, a cycle every 60 frames.
   float const phase = static_cast<float>(simulation_.frame()) * 0.104719765f;

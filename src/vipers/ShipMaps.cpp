@@ -1,8 +1,5 @@
 #include "vipers/ShipMaps.h"
 
-#include <chrono>
-#include <iostream>
-
 #include "world/ChunkedWorld.h"
 
 ShipMaps BuildShipMaps(ChunkedWorld const& world, int localPlayer) {
@@ -15,9 +12,6 @@ ShipMaps BuildShipMaps(ChunkedWorld const& world, int localPlayer) {
       }
     }
   }
-  auto const start = std::chrono::steady_clock::now();
   maps.body = maps.solid.expandByRadius(10);
-  std::chrono::duration<double> const took = std::chrono::steady_clock::now() - start;
-  std::cout << "expandByRadius took " << took.count() << " seconds" << std::endl;
   return maps;
 }

@@ -4,7 +4,8 @@
 
 #include <limits>
 
-#include "vipers/RunningVipers.h"
+#include "vipers/VipersSimulation.h"
+#include "sim/HeadlessSession.h"
 #include "world/EmptyBerthMap.h"
 #include "sim/SchemaEntries.h"
 
@@ -20,14 +21,13 @@ VipersGame::VipersGame(Private) {
   lookup.rankedMatches = EmptyBerthRankedMatches(schema);
 }
 
-std::unique_ptr<IRunningGame> VipersGame::startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+std::unique_ptr<IRunningGame> VipersGame::startSession(std::shared_ptr<SDL3App>, int localPlayer,
                                                        unsigned long long framePeriod, unsigned char delayFrames,
                                                        GameSettings const& settings,
                                                        std::vector<unsigned short> const& players,
-                                                       bool debugTools) const {
-  MapSettings const map = mapFor(settings);
-  return std::make_unique<RunningVipers>(shared_from_this(), std::move(app), localPlayer, framePeriod, delayFrames,
-                                         settings, map, players, debugTools);
+                                                       bool) const {
+  return std::make_unique<HeadlessSession<VipersSimulation>>(shared_from_this(), localPlayer, framePeriod, delayFrames,
+                                                             settings, mapFor(settings), players);
 }
 
 std::string VipersGame::formatResult(std::vector<long long> const& row, bool) const {

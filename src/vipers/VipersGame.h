@@ -2,8 +2,9 @@
 
 #include "sim/GameCatalogue.h"
 
-// The catalogue of Vipers: its map, schema and ranked matches, and the wording of results.
-class VipersGame final : public GameCatalogue<VipersGame, Game::Vipers> {
+// The catalogue of Vipers: its map, schema and ranked matches, and the wording of results. Its sessions
+// here are headless (the simulation alone); the client's own draw and sound (VipersClientGame).
+class VipersGame : public GameCatalogue<VipersGame, Game::Vipers> {
 public:
   explicit VipersGame(Private);
 

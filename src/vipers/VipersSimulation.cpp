@@ -26,11 +26,11 @@ void Feed(IHasher& hasher, T value) {
 
 }  // namespace
 
-VipersSimulation::VipersSimulation(SDL_Renderer* renderer, int localPlayer, std::uint64_t framePeriod,
+VipersSimulation::VipersSimulation(int localPlayer, std::uint64_t framePeriod,
                                    std::uint8_t delayFrames, GameSettings const& settings, MapSettings const& map,
                                    std::vector<unsigned short> const& players)
     : localPlayer_(localPlayer), delayFrames_(delayFrames), framePeriod_(framePeriod),
-      world_(std::make_unique<ChunkedWorld>(renderer, static_cast<int>(players.size()), localPlayer, delayFrames,
+      world_(std::make_unique<ChunkedWorld>(static_cast<int>(players.size()), localPlayer, delayFrames,
                                             map)),
       slots_(players), teams_(map.playerTeams) {
   growBy_ = Saturated(std::int64_t{settings.ints.at("grow_by")} * 256);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <SDL3/SDL.h>
-
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -50,9 +48,8 @@ public:
     int deaths = 0;
   };
 
-  // renderer may be null when nothing is drawn. Raises std::out_of_range for a missing setting or map
-  // entry and the world's texts for a bad image.
-  VipersSimulation(SDL_Renderer* renderer, int localPlayer, std::uint64_t framePeriod, std::uint8_t delayFrames,
+  // Raises std::out_of_range for a missing setting or map entry and the world's texts for a bad image.
+  VipersSimulation(int localPlayer, std::uint64_t framePeriod, std::uint8_t delayFrames,
                    GameSettings const& settings, MapSettings const& map, std::vector<unsigned short> const& players);
 
   // One frame: orders holds each player's order of delayFrames frames ago (entries past the players,

@@ -206,6 +206,11 @@ void ChangeQueue::retire(std::uint32_t pixel, std::uint16_t frame, bool add) {
 }
 
 void ChangeQueue::advanceQueues() {
+  if (empty()) {
+    // Nothing retires and every running total stays 0: only the frames move on.
+    ++newestFrame_;
+    return;
+  }
   std::uint64_t const a = addEnds_.front();
   std::uint64_t const r = removeEnds_.front();
   auto const leavingFrame = static_cast<std::uint16_t>(newestFrame_ - (slots_ - 1));

@@ -49,6 +49,8 @@ public:
   // Running totals: the number of adds or removes in slots 0 to slot.
   std::uint64_t addEnd(int slot) const { return addEnds_[static_cast<std::size_t>(slot)]; }
   std::uint64_t removeEnd(int slot) const { return removeEnds_[static_cast<std::size_t>(slot)]; }
+  // Whether no slot holds a change.
+  bool empty() const { return addEnds_.back() == 0 && removeEnds_.back() == 0; }
   // Whether any change lies in a slot after the given one.
   bool hasChangesAfter(int slot) const {
     return addEnds_.back() > addEnd(slot) || removeEnds_.back() > removeEnd(slot);

@@ -53,33 +53,3 @@ void Chunk::releaseTexture() const {
 }
 
 void Chunk::hash(IHasher& hasher) const { hasher.update(pixels_.get(), kPixels * sizeof(std::uint32_t)); }
-
-SDL_Texture* Chunk::getTexture(SDL_Renderer* renderer) const {
-  if (texture_ == nullptr) {
-    SDL_Texture* texture =
-        SDL_CreateTexture(renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, kSize, kSize);
-    if (texture == nullptr) {
-      throw std::runtime_error(std::string("Failed to create chunked world texture - ") + SDL_GetError());
-    }
-    SDL_SetTextureScaleMode(texture, SDL_SCALEMODE_LINEAR);
-    texture_ = texture;
-    textureDeleter_ = [texture] { SDL_DestroyTexture(texture); };
-    dirty_ = true;
-  }
-  if (dirty_) {
-    void* locked = nullptr;
-    int pitch = 0;
-    if (SDL_LockTexture(texture_, nullptr, &locked, &pitch)) {
-      auto* destination = static_cast<std::uint8_t*>(locked);
-      for (int row = 0; row < kSize; ++row) {
-        // The world counts rows upward, the texture downward.
-        std::memcpy(destination + static_cast<std::ptrdiff_t>(row) * pitch,
-                    pixels_.get() + static_cast<std::ptrdiff_t>(kSize - 1 - row) * kSize,
-                    kSize * sizeof(std::uint32_t));
-      }
-      SDL_UnlockTexture(texture_);
-      dirty_ = false;
-    }
-  }
-  return texture_;
-}

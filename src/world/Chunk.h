@@ -1,15 +1,15 @@
 #pragma once
 
-#include <SDL3/SDL.h>
-
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "sim/IHasher.h"
 
-// One 256 by 256 square of ARGB8888 pixels, row 0 at the bottom, with the streaming texture that shows
-// it. The texture is made on first need and refreshed only when a pixel has been written since.
+// One 256 by 256 square of ARGB8888 pixels, row 0 at the bottom, with a slot for the texture that the
+// drawing code makes to show it (present/WorldDrawing.h): refreshed only when a pixel has been written
+// since, destroyed with the chunk.
 class Chunk {
 public:
   static constexpr int kSize = 256;
@@ -33,9 +33,17 @@ public:
   }
   // Feeds the whole pixel block, as it lies in memory, in one update.
   void hash(IHasher& hasher) const;
-  // The texture, created on first need and uploaded if dirty, flipped so that row 255 is its top row.
-  // Raises std::runtime_error if the texture can't be made.
-  SDL_Texture* getTexture(SDL_Renderer* renderer) const;
+  // The drawing code's texture of these pixels, opaque here; null until it sets one. setDisplayTexture
+  // hands over the texture with the function that destroys it, run when the chunk drops it.
+  void* displayTexture() const { return texture_; }
+  void setDisplayTexture(void* texture, std::function<void()> deleter) const {
+    releaseTexture();
+    texture_ = texture;
+    textureDeleter_ = std::move(deleter);
+    dirty_ = true;
+  }
+  // The texture shows the pixels as they are now.
+  void markShown() const { dirty_ = false; }
 
   bool dirty() const { return dirty_; }
   bool hasPixels() const { return pixels_ != nullptr; }
@@ -53,7 +61,7 @@ private:
   void releaseTexture() const;
 
   std::unique_ptr<std::uint32_t[]> pixels_;
-  mutable SDL_Texture* texture_ = nullptr;
+  mutable void* texture_ = nullptr;
   mutable bool dirty_ = true;
   mutable std::function<void()> textureDeleter_;
 };

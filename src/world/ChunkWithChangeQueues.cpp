@@ -1,5 +1,6 @@
 #include "world/ChunkWithChangeQueues.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/QZAssert.h"
@@ -46,6 +47,13 @@ void ChunkWithChangeQueues::refreshDisplay(unsigned char x, unsigned char y, int
 }
 
 void ChunkWithChangeQueues::frameAdvance() {
+  // Most chunks of a world have no change queued: nothing to apply, only the queues' frames move on.
+  if (std::all_of(queues_.begin(), queues_.end(), [](ChangeQueue const& queue) { return queue.empty(); })) {
+    for (ChangeQueue& queue : queues_) {
+      queue.advanceQueues();
+    }
+    return;
+  }
   int const d = delayFrames_;
   for (ChangeQueue const& queue : queues_) {
     queue.applyPendingAdds(0, [this](unsigned char x, unsigned char y) { base_.writePixel(x, y, kAddedPixel); });

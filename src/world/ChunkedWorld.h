@@ -1,12 +1,9 @@
 #pragma once
 
-#include <SDL3/SDL.h>
-
 #include <cstdint>
 #include <memory>
 #include <vector>
 
-#include "present/Camera.h"
 #include "world/ChunkWithChangeQueues.h"
 #include "sim/IHasher.h"
 #include "sim/MapSettings.h"
@@ -18,7 +15,7 @@ class ChunkedWorld {
 public:
   // Loads "data/" + map.imageFile, checks its digest, applies the map's transformations and builds
   // the chunks. Raises std::runtime_error with the texts of a failed load, conversion or checksum.
-  ChunkedWorld(SDL_Renderer* renderer, int players, int localPlayer, int delayFrames, MapSettings const& map);
+  ChunkedWorld(int players, int localPlayer, int delayFrames, MapSettings const& map);
   ~ChunkedWorld();
   ChunkedWorld(ChunkedWorld const&) = delete;
   ChunkedWorld& operator=(ChunkedWorld const&) = delete;
@@ -48,9 +45,6 @@ public:
   // Once a frame, after all units have run: every chunk, row by row from row 0, by rising x.
   void frameAdvance();
 
-  // Draws the display copy of every chunk in view, repeating the world on the camera's wrapping axes.
-  // Returns the number of chunk textures drawn.
-  int render(Camera const& camera, int screenWidth, int screenHeight);
   bool hasLocalChangesQueued() const;
   // localBase of every chunk, in the order of frameAdvance.
   void hashLocalBase(IHasher& hasher) const;
@@ -84,7 +78,6 @@ private:
     }
   }
 
-  SDL_Renderer* renderer_;
   std::vector<std::vector<std::unique_ptr<ChunkWithChangeQueues>>> chunks_;
   // The same chunks row by row in one array, for lookups with a single indirection.
   std::vector<ChunkWithChangeQueues*> grid_;

@@ -28,7 +28,7 @@ std::unique_ptr<AviatorsSimulation> Make(int players, int durationSeconds = 180,
   for (int i = 0; i < players; ++i) {
     slots.push_back(static_cast<unsigned short>(i));
   }
-  return std::make_unique<AviatorsSimulation>(nullptr, 0, 16666, delay, settings,
+  return std::make_unique<AviatorsSimulation>(0, 16666, delay, settings,
                                               Aviators().maps.at("The Empty Berth"), slots, nullptr);
 }
 

@@ -11,7 +11,7 @@
 
 #include "world/ChunkedWorld.h"
 #include "sim/Games.h"
-#include "world/MapImages.h"
+#include "present/MapSurfaces.h"
 #include "sim/XXHashHasher.h"
 #include "support/TestImages.h"
 
@@ -79,7 +79,7 @@ Position FromFarEdge(Position p, ChunkedWorld const& world, int lastPixel = 0) {
 
 class MapData : public ::testing::Test {
 protected:
-  static ChunkedWorld WorldOf(MapSettings const& map) { return ChunkedWorld(nullptr, 1, 0, 1, map); }
+  static ChunkedWorld WorldOf(MapSettings const& map) { return ChunkedWorld(1, 0, 1, map); }
   Games games;
 };
 
@@ -170,7 +170,7 @@ TEST(MapDataHelpers, FallDistanceAndOpenBoxReadTheWorld) {
   });
   MapSettings map;
   map.imageFile = "floor.png";
-  ChunkedWorld const world(nullptr, 1, 0, 1, map);
+  ChunkedWorld const world(1, 0, 1, map);
   EXPECT_EQ(FallDistance(world, 50, 40), 39);
   EXPECT_EQ(FallDistance(world, 150, 40), -1);
   EXPECT_TRUE(OpenBox(world, 99, 1, 400, 255));   // scenery and the margin are open

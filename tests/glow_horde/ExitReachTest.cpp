@@ -52,7 +52,7 @@ TEST(GlowHordeCatalogue, NoExitWithinReachOfASpawnDuringTheHeadStart) {
     for (unsigned short s = 0; s < map.maxPlayers; ++s) {
       slots.push_back(s);
     }
-    GlowHordeSimulation const simulation(nullptr, 0, 16666, 10, settings, map, slots);
+    GlowHordeSimulation const simulation(0, 16666, 10, settings, map, slots);
     ChunkedWorld const& world = simulation.world();
     std::int64_t const radius = GlowHordeSimulation::k_exitRadius;
     for (PlayerState const& player : simulation.players()) {
@@ -74,7 +74,7 @@ TEST(GlowHordeCatalogue, UnitsMoveWithinTheStepBounds) {
   for (auto const& [name, map] : game.maps) {
     GameSettings settings = DefaultSettingsFromSchema(game.schema);
     settings.strings["map"] = name;
-    GlowHordeSimulation simulation(nullptr, 0, 16666, 10, settings, map, {0});
+    GlowHordeSimulation simulation(0, 16666, 10, settings, map, {0});
     int const width = simulation.world().width();
     int const height = simulation.world().height();
     std::map<std::uint16_t, Position> before;

@@ -33,7 +33,7 @@ GameSettings Settings(std::string const& map, std::initializer_list<std::pair<ch
 
 std::unique_ptr<GlowHordeSimulation> Make(std::string const& map, std::vector<unsigned short> const& slots, int local,
                                           int delay, GameSettings const& settings) {
-  return std::make_unique<GlowHordeSimulation>(nullptr, local, k_framePeriod, static_cast<std::uint8_t>(delay),
+  return std::make_unique<GlowHordeSimulation>(local, k_framePeriod, static_cast<std::uint8_t>(delay),
                                                settings, CatalogueMap(map), slots);
 }
 
@@ -255,7 +255,7 @@ TEST(GlowHordeSimulation, AnExitTakesUnitsAcrossTheSeamOfAWrappingWorld) {
   for (bool wrap : {true, false}) {
     SCOPED_TRACE(wrap ? "wrapping" : "not wrapping");
     map.wrapX = map.cameraWrapX = wrap;
-    GlowHordeSimulation simulation(nullptr, 0, k_framePeriod, 10, settings, map, {0});
+    GlowHordeSimulation simulation(0, k_framePeriod, 10, settings, map, {0});
     std::uint32_t arrival = 0;
     while (!simulation.gameEnded() && arrival == 0) {
       std::uint32_t const frame = simulation.frame();

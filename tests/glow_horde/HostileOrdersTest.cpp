@@ -101,7 +101,7 @@ TEST_F(GlowHordeHostileOrders, CraftedOrdersOfAnotherPlayerAreIgnoredAlikeAndThe
   std::vector<unsigned short> const slots = {1, 3, 0};
   std::vector<std::unique_ptr<GlowHordeSimulation>> clients;
   for (int c = 0; c < 3; ++c) {
-    clients.push_back(std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, kDelay, settings,
+    clients.push_back(std::make_unique<GlowHordeSimulation>(c, 16666, kDelay, settings,
                                                             GlowHorde().maps.at("Mosh pit"), slots));
   }
 
@@ -160,7 +160,7 @@ TEST_F(GlowHordeHostileOrders, AReplaySeatedAsTheCraftingPlayerIgnoresItsOrdersA
   std::vector<unsigned short> const slots = {2, 0};
   std::vector<std::unique_ptr<GlowHordeSimulation>> clients;
   for (int c = 0; c < 2; ++c) {
-    clients.push_back(std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, kDelay, settings,
+    clients.push_back(std::make_unique<GlowHordeSimulation>(c, 16666, kDelay, settings,
                                                             GlowHorde().maps.at("Cauldrons"), slots));
   }
   std::mt19937 random(7);

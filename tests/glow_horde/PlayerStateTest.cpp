@@ -56,7 +56,7 @@ std::unique_ptr<ChunkedWorld> FloorWorld(bool wrapX = false) {
   MapSettings map;
   map.imageFile = "floor.png";
   map.wrapX = wrapX;
-  return std::make_unique<ChunkedWorld>(nullptr, 1, 0, 1, map);
+  return std::make_unique<ChunkedWorld>(1, 0, 1, map);
 }
 
 } // namespace

@@ -64,7 +64,7 @@ ScriptedGame PlayScriptedGame(GameSettings const& settings, int players, std::ve
   std::iota(slots.begin(), slots.end(), static_cast<unsigned short>(0));
   std::vector<std::unique_ptr<GlowHordeSimulation>> clients;
   for (int c = 0; c < players; ++c) {
-    clients.push_back(std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, delayFrames, settings, map, slots));
+    clients.push_back(std::make_unique<GlowHordeSimulation>(c, 16666, delayFrames, settings, map, slots));
   }
   GlowHordeSimulation& reference = *clients.front();
 

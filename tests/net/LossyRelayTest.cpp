@@ -285,7 +285,7 @@ std::vector<std::pair<Bytes, std::uint64_t>> PlayHorde(Conditions conditions, in
   std::vector<HordeSession> sessions(players);
   std::vector<BasicNetworkOrderSource<Client>> sources;
   for (int c = 0; c < players; ++c) {
-    sessions[c].simulation = std::make_unique<GlowHordeSimulation>(nullptr, c, 16666, delay, settings,
+    sessions[c].simulation = std::make_unique<GlowHordeSimulation>(c, 16666, delay, settings,
                                                                    horde.maps.at(mapName), slots);
     sessions[c].seed = static_cast<unsigned>(c + 1);
     sources.emplace_back(match.clients[c]);

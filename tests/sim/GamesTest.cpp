@@ -101,7 +101,7 @@ TEST(GamesCatalogue, AMissingMapOrSettingRaisesOneTextWhateverTheStandardLibrary
     return std::string("no error");
   };
   auto simulate = [&](GameSettings const& settings) {
-    GlowHordeSimulation(nullptr, 0, 16666, 15, settings, glowHorde.maps.at(defaults.strings.at("map")), {0});
+    GlowHordeSimulation(0, 16666, 15, settings, glowHorde.maps.at(defaults.strings.at("map")), {0});
   };
   std::string const expected = "unordered_map::at: key not found";
   EXPECT_EQ(text([&] { glowHorde.maxPlayersForMap("No such map"); }), expected);

@@ -48,7 +48,7 @@ protected:
 
   std::unique_ptr<VipersSimulation> make(std::vector<unsigned short> const& slots, int local = 0, int delay = 15,
                                          GameSettings const& settings = Settings()) {
-    return std::make_unique<VipersSimulation>(nullptr, local, k_framePeriod, static_cast<std::uint8_t>(delay), settings,
+    return std::make_unique<VipersSimulation>(local, k_framePeriod, static_cast<std::uint8_t>(delay), settings,
                                               map, slots);
   }
 
@@ -83,7 +83,7 @@ TEST_F(Arena, HeadsStartAtPixelCentresAndThePredictionStartsAheadOfThem) {
 
 TEST(VipersSimulation, StartRotationsGoByPlayerIndexOnTheCatalogueMap) {
   MapSettings const catalogue = TheGames().refGame(Game::Vipers).maps.at("The Empty Berth");
-  VipersSimulation simulation(nullptr, 0, k_framePeriod, 15, Settings(), catalogue, {3, 0});
+  VipersSimulation simulation(0, k_framePeriod, 15, Settings(), catalogue, {3, 0});
   EXPECT_EQ(simulation.heads()[0].body.rotation, 0x2000);
   EXPECT_EQ(simulation.heads()[1].body.rotation, 0xA000);
   EXPECT_EQ(simulation.heads()[0].body.velocity, DirectionVector(0x2000, 1024));
@@ -330,8 +330,8 @@ TEST(VipersSimulation, OppositeSlotsStartOnOneLineAndTheCollinearRuleTakesBothAt
   IGame const& game = TheGames().refGame(Game::Vipers);
   GameSettings const settings = DefaultSettingsFromSchema(game.schema);
   MapSettings const& map = game.maps.at("The Empty Berth");
-  VipersSimulation four(nullptr, 0, k_framePeriod, 15, settings, map, {0, 1, 2, 3});
-  VipersSimulation neighbours(nullptr, 0, k_framePeriod, 15, settings, map, {0, 2});
+  VipersSimulation four(0, k_framePeriod, 15, settings, map, {0, 1, 2, 3});
+  VipersSimulation neighbours(0, k_framePeriod, 15, settings, map, {0, 2});
   for (int f = 0; f < 25; ++f) {  // 100 pixels, short of the middle where their ways cross
     four.update(Orders(4), {});
     neighbours.update(Orders(2), {});

@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "world/Chunk.h"
+#include "present/WorldDrawing.h"
 #include "support/Checks.h"
 #include "support/TestImages.h"
 
@@ -40,7 +41,7 @@ TEST(Chunk, CopiesOwnTheirPixelsAndMovesLeaveTheSourceEmpty) {
   testing_support::SoftwareTarget target(16, 16);
   Chunk original;
   original.writePixel(1, 1, 0xFE111111u);
-  original.getTexture(target.renderer());
+  ChunkTexture(original, target.renderer());
   ASSERT_EQ(state(original), std::tuple(true, true, false));
 
   Chunk copy(original);
@@ -49,7 +50,7 @@ TEST(Chunk, CopiesOwnTheirPixelsAndMovesLeaveTheSourceEmpty) {
   EXPECT_EQ(original.readPixel(1, 1), 0xFE111111u);
 
   Chunk assigned;
-  assigned.getTexture(target.renderer());
+  ChunkTexture(assigned, target.renderer());
   assigned = original;
   EXPECT_EQ(state(assigned), std::tuple(true, false, true));
   EXPECT_EQ(assigned.readPixel(1, 1), 0xFE111111u);
@@ -72,7 +73,7 @@ TEST(Chunk, TextureShowsTheTopRowFirstAndIsUploadedOnlyWhenDirty) {
   Chunk chunk;
   chunk.writePixel(0, 255, 0xFFFF0000u);  // top left of the world square: red
   chunk.writePixel(255, 0, 0xFF00FF00u);  // bottom right: green
-  SDL_Texture* texture = chunk.getTexture(target.renderer());
+  SDL_Texture* texture = ChunkTexture(chunk, target.renderer());
   ASSERT_NE(texture, nullptr);
   EXPECT_FALSE(chunk.dirty());
   SDL_RenderTexture(target.renderer(), texture, nullptr, nullptr);
@@ -83,7 +84,7 @@ TEST(Chunk, TextureShowsTheTopRowFirstAndIsUploadedOnlyWhenDirty) {
   // A write makes it dirty; the next request re-uploads into the same texture.
   chunk.writePixel(0, 255, 0xFF0000FFu);
   EXPECT_TRUE(chunk.dirty());
-  EXPECT_EQ(chunk.getTexture(target.renderer()), texture);
+  EXPECT_EQ(ChunkTexture(chunk, target.renderer()), texture);
   SDL_RenderTexture(target.renderer(), texture, nullptr, nullptr);
   target.flush();
   EXPECT_EQ(target.pixel(0, 0), 0xFF0000FFu);
@@ -91,7 +92,7 @@ TEST(Chunk, TextureShowsTheTopRowFirstAndIsUploadedOnlyWhenDirty) {
 
 TEST(Chunk, TextureFailureNamesTheCause) {
   Chunk chunk;
-  EXPECT_THAT(testing_support::ErrorText([&] { chunk.getTexture(nullptr); }),
+  EXPECT_THAT(testing_support::ErrorText([&] { ChunkTexture(chunk, nullptr); }),
               ::testing::MatchesRegex("Failed to create chunked world texture - .+"));
   EXPECT_FALSE(chunk.hasTexture());
 }

@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "world/ChunkedWorld.h"
+#include "present/WorldDrawing.h"
 #include "present/Renderer.h"
 #include "present/TextureCache.h"
 #include "sim/XXHashHasher.h"
@@ -30,7 +31,7 @@ MapSettings MapOf(std::string const& file) {
 }
 
 std::string ErrorOf(MapSettings const& map) {
-  return testing_support::ErrorText([&] { ChunkedWorld(nullptr, 1, 0, 1, map); });
+  return testing_support::ErrorText([&] { ChunkedWorld(1, 0, 1, map); });
 }
 
 // Every test writes its map images into a fresh data directory.
@@ -56,7 +57,7 @@ TEST_F(ChunkedWorldMaps, LoadFailuresNameTheFileWithoutTheFolder) {
 TEST_F(ChunkedWorldMaps, SizeRoundsUpToChunksAndTheImageIsFlipped) {
   // Ground along the image's bottom row and at one pixel of its top row.
   SaveImage("wide.png", 300, 200, [](int x, int y) { return y == 199 || (y == 0 && x == 7) ? kGround : kSky; });
-  ChunkedWorld world(nullptr, 1, 0, 1, MapOf("wide.png"));
+  ChunkedWorld world(1, 0, 1, MapOf("wide.png"));
   EXPECT_EQ((std::array{world.chunksWide(), world.chunksHigh(), world.width(), world.height()}),
             (std::array{2, 1, 512, 256}));
   // The margin past x 299 and y 199 is no ground.
@@ -73,10 +74,10 @@ TEST_F(ChunkedWorldMaps, SizeRoundsUpToChunksAndTheImageIsFlipped) {
 TEST_F(ChunkedWorldMaps, OutsideIsSolidUnlessTheAxisWraps) {
   // Ground only in the rightmost column and the top row.
   SaveImage("edges.png", 512, 256, [](int x, int y) { return x == 511 || y == 0 ? kGround : kSky; });
-  ChunkedWorld plain(nullptr, 2, 0, 2, MapOf("edges.png"));
+  ChunkedWorld plain(2, 0, 2, MapOf("edges.png"));
   MapSettings wrapping = MapOf("edges.png");
   wrapping.wrapX = wrapping.wrapY = true;
-  ChunkedWorld wrapped(nullptr, 2, 0, 2, wrapping);
+  ChunkedWorld wrapped(2, 0, 2, wrapping);
 
   // Wrapped, x -1 reads column 511 and x 512 column 0; y 256 reads world row 0, the image's bottom
   // row, and y -1 row 255, its top row. One period at most: further out stays outside, which is solid.
@@ -96,12 +97,12 @@ TEST_F(ChunkedWorldMaps, OutsideIsSolidUnlessTheAxisWraps) {
 TEST_F(ChunkedWorldMaps, WrapAndDistanceGoRoundEachWrappingAxisByItsOwnSize) {
   SaveImage("rect.png", 512, 256, [](int, int) { return kSky; });
   MapSettings map = MapOf("rect.png");
-  ChunkedWorld plain(nullptr, 1, 0, 1, map);
+  ChunkedWorld plain(1, 0, 1, map);
   map.wrapX = true;
-  ChunkedWorld acrossX(nullptr, 1, 0, 1, map);
+  ChunkedWorld acrossX(1, 0, 1, map);
   map.wrapX = false;
   map.wrapY = true;
-  ChunkedWorld acrossY(nullptr, 1, 0, 1, map);
+  ChunkedWorld acrossY(1, 0, 1, map);
 
   // Wrapping moves by one period at most, on wrapping axes only.
   for (auto [from, to] : {std::pair{std::pair{-1, -1}, std::pair{511, -1}}, {{512, 300}, {0, 300}},
@@ -124,7 +125,7 @@ TEST_F(ChunkedWorldMaps, WrapAndDistanceGoRoundEachWrappingAxisByItsOwnSize) {
 
 TEST_F(ChunkedWorldMaps, ChangesOutsideAnUnwrappedWorldAreDropped) {
   SaveImage("ground.png", 256, 256, [](int, int) { return kGround; });
-  ChunkedWorld world(nullptr, 2, 0, 1, MapOf("ground.png"));
+  ChunkedWorld world(2, 0, 1, MapOf("ground.png"));
   std::uint64_t const before = LocalBaseDigest(world);
   for (int player : {0, 1}) {
     world.queueRemovePixel(player, -1, 5);
@@ -138,7 +139,7 @@ TEST_F(ChunkedWorldMaps, ChangesOutsideAnUnwrappedWorldAreDropped) {
 
   MapSettings map = MapOf("ground.png");
   map.wrapX = true;
-  ChunkedWorld wrapped(nullptr, 2, 0, 1, map);
+  ChunkedWorld wrapped(2, 0, 1, map);
   wrapped.queueRemovePixel(0, -1, 5);  // lands on column 255
   EXPECT_TRUE(wrapped.hasLocalChangesQueued());
   wrapped.frameAdvance();
@@ -154,7 +155,7 @@ TEST_F(ChunkedWorldMaps, LocalBaseIsHashedChunkByChunkInGridOrder) {
   SaveImage("grid.png", 512, 512, [](int x, int y) {
     return 0xFE000000u | static_cast<std::uint32_t>((x / 256) * 0x40 + (y / 256) * 0x4000);
   });
-  ChunkedWorld world(nullptr, 1, 0, 1, MapOf("grid.png"));
+  ChunkedWorld world(1, 0, 1, MapOf("grid.png"));
   auto const chunksInOrder = [&](bool rowByRow) {
     XXHashHasher hasher;
     for (int i = 0; i < 4; ++i) {
@@ -175,10 +176,10 @@ TEST_F(ChunkedWorldMaps, LocalBaseIsHashedChunkByChunkInGridOrder) {
 TEST_F(ChunkedWorldRender, CameraWhollyOutsideAnUnwrappedWorldDrawsNothing) {
   SaveImage("block.png", 512, 256, [](int, int) { return 0xFFFF0000u; });
   SoftwareTarget target(320, 200, 0xFF000000u);
-  ChunkedWorld world(target.renderer(), 1, 0, 1, MapOf("block.png"));
+  ChunkedWorld world(1, 0, 1, MapOf("block.png"));
   for (Camera camera : {Camera{-2000.0f, 0.0f, 1.0f}, Camera{600.0f, 0.0f, 1.0f}, Camera{0.0f, -900.0f, 2.0f},
                         Camera{0.0f, 300.0f, 1.0f}}) {
-    EXPECT_EQ(world.render(camera, 320, 200), 0) << camera.x << "," << camera.y;
+    EXPECT_EQ(RenderWorld(world, target.renderer(), camera, 320, 200), 0) << camera.x << "," << camera.y;
   }
   target.flush();
   for (int x = 0; x < 320; x += 7) {
@@ -187,10 +188,10 @@ TEST_F(ChunkedWorldRender, CameraWhollyOutsideAnUnwrappedWorldDrawsNothing) {
   EXPECT_FALSE(world.getChunk(0, 0)->display().hasTexture());
   // Partly in view: the columns and rows from the view's first to the one its far edge rounds up to,
   // clamped to the world.
-  EXPECT_EQ(world.render(Camera{-100.0f, -50.0f, 1.0f}, 320, 200), 2);
-  EXPECT_EQ(world.render(Camera{200.0f, 100.0f, 1.0f}, 320, 200), 2);
-  EXPECT_EQ(world.render(Camera{-320.0f, 0.0f, 1.0f}, 320, 200), 1);
-  EXPECT_EQ(world.render(Camera{0.0f, 0.0f, 0.5f}, 320, 200), 2);
+  EXPECT_EQ(RenderWorld(world, target.renderer(), Camera{-100.0f, -50.0f, 1.0f}, 320, 200), 2);
+  EXPECT_EQ(RenderWorld(world, target.renderer(), Camera{200.0f, 100.0f, 1.0f}, 320, 200), 2);
+  EXPECT_EQ(RenderWorld(world, target.renderer(), Camera{-320.0f, 0.0f, 1.0f}, 320, 200), 1);
+  EXPECT_EQ(RenderWorld(world, target.renderer(), Camera{0.0f, 0.0f, 0.5f}, 320, 200), 2);
 }
 
 TEST_F(ChunkedWorldRender, WrappedWorldSmallerThanTheScreenCoversEveryColumnAndRow) {
@@ -202,8 +203,8 @@ TEST_F(ChunkedWorldRender, WrappedWorldSmallerThanTheScreenCoversEveryColumnAndR
   MapSettings acrossX = MapOf("columns.png");
   acrossX.wrapX = acrossX.cameraWrapX = true;
   SoftwareTarget wide(1280, 100, 0xFF000000u);
-  ChunkedWorld narrow(wide.renderer(), 1, 0, 1, acrossX);
-  EXPECT_GE(narrow.render(Camera{-301.0f, 20.0f, 1.0f}, 1280, 100), 1280 / 256);
+  ChunkedWorld narrow(1, 0, 1, acrossX);
+  EXPECT_GE(RenderWorld(narrow, wide.renderer(), Camera{-301.0f, 20.0f, 1.0f}, 1280, 100), 1280 / 256);
   wide.flush();
   for (int x = 0; x < 1280; ++x) {
     // Screen x shows world x - 301, taken round the world.
@@ -213,8 +214,8 @@ TEST_F(ChunkedWorldRender, WrappedWorldSmallerThanTheScreenCoversEveryColumnAndR
   MapSettings acrossY = MapOf("rows.png");
   acrossY.wrapY = acrossY.cameraWrapY = true;
   SoftwareTarget tall(40, 700, 0xFF000000u);
-  ChunkedWorld flat(tall.renderer(), 1, 0, 1, acrossY);
-  flat.render(Camera{0.0f, -77.0f, 1.0f}, 40, 700);
+  ChunkedWorld flat(1, 0, 1, acrossY);
+  RenderWorld(flat, tall.renderer(), Camera{0.0f, -77.0f, 1.0f}, 40, 700);
   tall.flush();
   for (int y = 0; y < 700; ++y) {
     // Screen row y shows world row 699 - 1 - y + camera y, taken round the world; image row 0 is its top.
@@ -228,13 +229,13 @@ TEST_F(ChunkedWorldRender, TerrainLinesUpWithSprites) {
   // that the sprite renderer gives for the world rectangle (300, 40, 1, 1).
   SaveImage("dot.png", 512, 256, [](int x, int y) { return x == 300 && y == 255 - 40 ? 0xFFFFFFFFu : 0xFF000080u; });
   SoftwareTarget target(200, 150, 0xFF000000u);
-  ChunkedWorld world(target.renderer(), 1, 0, 1, MapOf("dot.png"));
+  ChunkedWorld world(1, 0, 1, MapOf("dot.png"));
   TextureCache textures(target.renderer());
   Camera const camera{270.0f, 20.0f, 4.0f};
   Renderer renderer(target.renderer(), textures, 200, 150, world.width(), world.height(), false, false, camera);
-  SDL_SetTextureScaleMode(world.getChunk(0, 0)->display().getTexture(target.renderer()), SDL_SCALEMODE_NEAREST);
-  SDL_SetTextureScaleMode(world.getChunk(300, 0)->display().getTexture(target.renderer()), SDL_SCALEMODE_NEAREST);
-  world.render(camera, 200, 150);
+  SDL_SetTextureScaleMode(ChunkTexture(world.getChunk(0, 0)->display(), target.renderer()), SDL_SCALEMODE_NEAREST);
+  SDL_SetTextureScaleMode(ChunkTexture(world.getChunk(300, 0)->display(), target.renderer()), SDL_SCALEMODE_NEAREST);
+  RenderWorld(world, target.renderer(), camera, 200, 150);
   target.flush();
   // World x 300 is screen x (300 - 270) * 4; the top of world row 40 is screen row 149 - (40 + 1 - 20) * 4.
   SDL_FRect const dot = renderer.screenRect(300.0f, 40.0f, 1.0f, 1.0f, 0, 0);
@@ -267,7 +268,7 @@ TEST_F(ChunkedWorldLockstep, ClientsAgreeAcrossChunksSeamsAndEdges) {
   std::vector<testing_support::ClientLog> logs;
   std::vector<std::vector<std::uint64_t>> digests(3);
   for (int local = 0; local < 3; ++local) {
-    ChunkedWorld world(nullptr, work.players, local, work.delay, map);
+    ChunkedWorld world(work.players, local, work.delay, map);
     logs.push_back(testing_support::RunClient(world, work, local, [&](int) {
       digests[static_cast<std::size_t>(local)].push_back(LocalBaseDigest(world));
     }));

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "world/MapImages.h"
+#include "present/MapSurfaces.h"
 #include "sim/XXHashHasher.h"
 #include "support/TestImages.h"
 

@@ -11,7 +11,7 @@
 #include <stdexcept>
 
 #include "Canvas.h"
-#include "world/MapImages.h"
+#include "present/MapSurfaces.h"
 #include "sim/PlayerSlots.h"
 #include "sim/XXHashHasher.h"
 

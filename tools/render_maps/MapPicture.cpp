@@ -9,6 +9,7 @@
 #include "sim/PlayerSlots.h"
 #include "present/Renderer.h"
 #include "present/TextureCache.h"
+#include "present/WorldDrawing.h"
 
 namespace {
 
@@ -48,7 +49,7 @@ SDL_Surface* RenderMapPicture(Game game, MapSettings const& map, float zoom) {
   int worldWidth = 0;
   int worldHeight = 0;
   {
-    ChunkedWorld probe(nullptr, 1, 0, 1, map);
+    ChunkedWorld probe(1, 0, 1, map);
     worldWidth = probe.width();
     worldHeight = probe.height();
   }
@@ -66,11 +67,11 @@ SDL_Surface* RenderMapPicture(Game game, MapSettings const& map, float zoom) {
   SDL_RenderClear(target.get());
   {
     int const players = std::max<int>(1, static_cast<int>(map.starts.size()));
-    ChunkedWorld world(target.get(), players, 0, 1, map);
+    ChunkedWorld world(players, 0, 1, map);
     // The view's bottom edge lies one screen pixel below world row 0, so the camera stands one screen
     // pixel up for the whole world to fill the picture exactly.
     Camera const camera{0.0f, 1.0f / zoom, zoom};
-    world.render(camera, width, height);
+    RenderWorld(world, target.get(), camera, width, height);
 
     TextureCache textures(target.get());
     Renderer renderer(target.get(), textures, width, height, world.width(), world.height(), false, false, camera);

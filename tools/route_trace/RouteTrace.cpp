@@ -20,6 +20,7 @@
 #include "sim/PlayerSlots.h"
 #include "present/Renderer.h"
 #include "present/TextureCache.h"
+#include "present/WorldDrawing.h"
 #include "glow_horde/GlowHordeSimulation.h"
 #include "glow_horde/UIOrderText.h"
 
@@ -137,13 +138,13 @@ int main(int argc, char** argv) {
     SDL_Surface* surface = nullptr;
     SDL_Renderer* target = nullptr;
     {
-      ChunkedWorld probe(nullptr, 1, 0, 1, map);
+      ChunkedWorld probe(1, 0, 1, map);
       if (!png.empty()) {
         surface = SDL_CreateSurface(probe.width(), probe.height(), SDL_PIXELFORMAT_ARGB8888);
         target = SDL_CreateSoftwareRenderer(surface);
       }
     }
-    GlowHordeSimulation simulation(target, 0, 16666, delay, settings, map, slots);
+    GlowHordeSimulation simulation(0, 16666, delay, settings, map, slots);
     int const worldHeight = simulation.world().height();
 
     int watchPlayer = -1, watchId = -1;
@@ -255,7 +256,7 @@ int main(int argc, char** argv) {
       SDL_SetRenderDrawColor(target, 24, 26, 38, 255);
       SDL_RenderClear(target);
       Camera const camera{0.0f, 1.0f, 1.0f};
-      simulation.world().render(camera, surface->w, surface->h);
+      RenderWorld(simulation.world(), target, camera, surface->w, surface->h);
       for (std::size_t p = 0; p < slots.size(); ++p) {
         PlayerSlot const& s = SLOTS[slots[p] % SLOTS.size()];
         SDL_SetRenderDrawColor(target, static_cast<Uint8>(s.red * 255), static_cast<Uint8>(s.green * 255),

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "sim/GameResult.h"
+
+// A finished game whose reports disagreed, settled by re-simulating its recording here.
+struct SettledDispute {
+  std::uint32_t game = 0;
+  std::vector<std::string> players;  // each place's name
+  std::vector<bool> matches;         // one per place: its report is the re-simulated result
+  std::optional<GameResult> truth;   // the re-simulated result; none if the recording failed
+  std::uint64_t frames = 0;          // frames re-simulated
+  std::string error;                 // why the recording couldn't be re-simulated, if it couldn't
+};
+
+// Re-simulates the recordings of disputed games on a worker thread of its own, one after the other,
+// so that a long game never holds up the lobby. The queue is bounded: a game submitted to a full
+// queue is refused and stays unsettled. Destruction stops the worker within a frame of simulation.
+class DisputeSettler {
+public:
+  static constexpr std::size_t kMaxQueued = 16;
+  static constexpr std::size_t kMaxKept = 50;  // settled disputes kept for the status page
+
+  DisputeSettler();
+  ~DisputeSettler();
+  DisputeSettler(DisputeSettler const&) = delete;
+  DisputeSettler& operator=(DisputeSettler const&) = delete;
+
+  // Queues game's recording file (its bytes); false if the queue is full.
+  bool submit(std::uint32_t game, std::vector<unsigned char> recordingFile);
+  // The settled disputes, oldest first.
+  std::vector<SettledDispute> settled() const;
+  // Waits until every submitted game is settled or timeoutMs has passed; whether all are (for tests).
+  bool waitIdle(int timeoutMs) const;
+
+private:
+  struct Job {
+    std::uint32_t game = 0;
+    std::vector<unsigned char> file;
+  };
+  void run();
+  SettledDispute settle(Job const& job) const;
+
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+  std::deque<Job> queue_;
+  bool busy_ = false;
+  std::deque<SettledDispute> settled_;
+  std::atomic<bool> stop_{false};
+  std::thread worker_;
+};

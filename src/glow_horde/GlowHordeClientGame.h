@@ -1,0 +1,14 @@
+#pragma once
+
+#include "glow_horde/GlowHordeGame.h"
+
+// GlowHorde in the client: the catalogue's tables, with sessions that draw, play sound and take input.
+class GlowHordeClientGame final : public GlowHordeGame {
+public:
+  explicit GlowHordeClientGame(Private key) : GlowHordeGame(key) {}
+
+  std::unique_ptr<IRunningGame> startSession(std::shared_ptr<SDL3App> app, int localPlayer,
+                                             unsigned long long framePeriod, unsigned char delayFrames,
+                                             GameSettings const& settings, std::vector<unsigned short> const& players,
+                                             bool debugTools) const override;
+};
