@@ -2,12 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
-#include <exception>
-#include <sstream>
-
-#include "sim/HeadlessGames.h"
-#include "sim/Recording.h"
-#include "sim/RecordingVerifier.h"
+#include <utility>
 
 namespace {
 
@@ -29,10 +24,14 @@ std::string Describe(SettledDispute const& dispute) {
 
 }  // namespace
 
-DisputeSettler::DisputeSettler() : worker_([this] { run(); }) {}
+DisputeSettler::DisputeSettler(Settle settle) : settle_(std::move(settle)), worker_([this] { run(); }) {}
 
 DisputeSettler::~DisputeSettler() {
-  stop_ = true;
+  {
+    // Raised under the lock, so that the worker can't miss the wake-up between its check and its wait.
+    std::lock_guard lock(mutex_);
+    stop_ = true;
+  }
   changed_.notify_all();
   worker_.join();
 }
@@ -70,7 +69,7 @@ void DisputeSettler::run() {
     queue_.pop_front();
     busy_ = true;
     lock.unlock();
-    SettledDispute dispute = settle(job);
+    SettledDispute dispute = settle_(job.game, job.file, stop_);
     std::printf("%s\n", Describe(dispute).c_str());
     std::fflush(stdout);
     lock.lock();
@@ -83,24 +82,4 @@ void DisputeSettler::run() {
     }
     changed_.notify_all();
   }
-}
-
-SettledDispute DisputeSettler::settle(Job const& job) const {
-  // The games' tables are built once, on first use, and only read after that.
-  static HeadlessGames const games;
-  SettledDispute dispute;
-  dispute.game = job.game;
-  try {
-    std::istringstream in(std::string(job.file.begin(), job.file.end()));
-    Recording const recording(in);
-    dispute.players = recording.results.playerNames;
-    dispute.players.resize(recording.results.reportedResults.size());
-    ReportSettlement const settlement = SettleReports(games, recording, &stop_);
-    dispute.matches = settlement.matches;
-    dispute.truth = settlement.truth;
-    dispute.frames = settlement.frames;
-  } catch (std::exception const& error) {
-    dispute.error = error.what();
-  }
-  return dispute;
 }

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -23,14 +24,19 @@ struct SettledDispute {
 };
 
 // Re-simulates the recordings of disputed games on a worker thread of its own, one after the other,
-// so that a long game never holds up the lobby. The queue is bounded: a game submitted to a full
+// so that a long game never holds up the lobby. The re-simulation itself is handed in (the server's is
+// SettleByReplay), so that the lobby's code builds without the games. The queue is bounded: a game submitted to a full
 // queue is refused and stays unsettled. Destruction stops the worker within a frame of simulation.
 class DisputeSettler {
 public:
   static constexpr std::size_t kMaxQueued = 16;
   static constexpr std::size_t kMaxKept = 50;  // settled disputes kept for the status page
 
-  DisputeSettler();
+  // Settles one game from its recording file; returns soon once stop is raised.
+  using Settle = std::function<SettledDispute(std::uint32_t game, std::vector<unsigned char> const& recordingFile,
+                                              std::atomic<bool> const& stop)>;
+
+  explicit DisputeSettler(Settle settle);
   ~DisputeSettler();
   DisputeSettler(DisputeSettler const&) = delete;
   DisputeSettler& operator=(DisputeSettler const&) = delete;
@@ -48,7 +54,8 @@ private:
     std::vector<unsigned char> file;
   };
   void run();
-  SettledDispute settle(Job const& job) const;
+
+  Settle const settle_;
 
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "GameRules.h"
 #include "SecureRandom.h"
@@ -103,8 +104,9 @@ bool Disputed(GameResults const& results) {
 
 }  // namespace
 
-LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts)
-    : host_(host), storage_(storage), timeouts_(timeouts), settler_(std::make_unique<DisputeSettler>()) {
+LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts,
+                         DisputeSettler::Settle settle)
+    : host_(host), storage_(storage), timeouts_(timeouts), settler_(std::make_unique<DisputeSettler>(std::move(settle))) {
   nextGame_ = storage_.gameCount();
   std::uint32_t const first = nextGame_ > kResultsSent ? nextGame_ - kResultsSent : 0;
   for (auto& [number, results] : storage_.loadGames(first, kResultsSent)) {

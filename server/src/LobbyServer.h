@@ -42,7 +42,8 @@ public:
   static constexpr unsigned short kFirstPortOffset = 2;
   static constexpr unsigned short kMaxRunningGames = 1000;
 
-  LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts = {});
+  // settle re-simulates the recording of a game whose reports disagree (the server's is SettleByReplay).
+  LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts, DisputeSettler::Settle settle);
   ~LobbyServer();
 
   void onConnect(ConnectionId connection, std::int64_t nowMs);

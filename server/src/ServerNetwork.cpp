@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 
+#include "SettleByReplay.h"
 #include "net/MessageFramer.h"
 
 namespace {
@@ -29,7 +30,7 @@ ServerNetwork::ServerNetwork(asio::io_context& io, IServerStorage& storage, std:
       bindAddress_(asio::ip::make_address(bindAddress)),
       acceptor_(io),
       timer_(io),
-      lobby_(*this, storage, timeouts) {
+      lobby_(*this, storage, timeouts, SettleByReplay) {
   asio::ip::tcp::endpoint const endpoint(bindAddress_, basePort);
   acceptor_.open(endpoint.protocol());
   acceptor_.set_option(asio::ip::tcp::acceptor::reuse_address(true));
