@@ -22,6 +22,6 @@ timeout 60 "$driver" --script "$work/script.txt" --storage "$work/storage" --log
 status=$?
 [ "$status" -eq 0 ] || fail "exit status $status, expected 0"
 grep -q '^Script passed after 7 frames$' "$work/out.txt" || fail "unexpected frame count"
-grep -qx '{"event":"driver_end","passed":true,"frames":7,"line":0,"reason":""}' "$work/log.jsonl" || fail "log: $(cat "$work/log.jsonl")"
+grep -qx '{"event":"driver_end","passed":true,"frames":7,"line":0,"reason":"","stalled_frames":0,"longest_stall":0}' "$work/log.jsonl" || fail "log: $(cat "$work/log.jsonl")"
 [ "$(cat "$work/storage/userdata/progress.ini")" = "$(printf '[tutorial]\n2=skipped\n\n[attempts]')" ] || fail "progress: $(cat "$work/storage/userdata/progress.ini")"
 echo "PASS: driver script ran 7 frames and quit by command"
