@@ -18,6 +18,9 @@ template <class... Functions>
 struct Overloaded : Functions... {
   using Functions::operator()...;
 };
+// Aggregate deduction from the lambdas; clang 16 does not yet deduce aggregates of base classes itself.
+template <class... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
 void FirstPass(SDL3App& app, std::vector<UICmd> const& commands, std::string const& directory) {
   for (UICmd const& command : commands) {

@@ -71,7 +71,7 @@ std::optional<GameSpec> CreateRoomSpec(LobbyUIState& state, IGame const& game) {
   GameSpec spec;
   spec.game = state.game;
   spec.delayFrames = std::clamp<std::uint8_t>(state.delayFrames, 10, 35);
-  auto named = [&spec, &game](std::vector<NamedGameSettings> const& list, std::uint32_t& choice,
+  auto named = [&spec](std::vector<NamedGameSettings> const& list, std::uint32_t& choice,
                               auto makeIndex) -> std::optional<GameSpec> {
     if (list.empty()) {
       return std::nullopt;

@@ -57,11 +57,7 @@ TEST_F(AviatorsLockstep, AnOrderDeliveredLateIsCaughtAtItsFrame) {
 }
 
 TEST_F(AviatorsLockstep, SoakManyMoreRandomGames) {
-  int const count = LockstepGamesFromEnvironment("TANDEM_LOCKSTEP_SOAK", 0);
-  if (count <= 0) {
-    GTEST_SKIP() << "Set TANDEM_LOCKSTEP_SOAK to the number of games.";
-  }
-  PlayRandomLockstepGames(Aviators(), AviatorsLockstepAdapter(), 1000000, count, app_);
+  SoakRandomLockstepGames(Aviators(), AviatorsLockstepAdapter(), app_);
 }
 
 }  // namespace

@@ -63,11 +63,7 @@ TEST_F(GlowHordeLockstep, AnOrderDeliveredLateIsCaughtAtItsFrame) {
 }
 
 TEST_F(GlowHordeLockstep, SoakManyMoreRandomGames) {
-  int const count = LockstepGamesFromEnvironment("TANDEM_LOCKSTEP_SOAK", 0);
-  if (count <= 0) {
-    GTEST_SKIP() << "Set TANDEM_LOCKSTEP_SOAK to the number of games.";
-  }
-  PlayRandomLockstepGames(GlowHorde(), GlowHordeLockstepAdapter(), 1000000, count, app_);
+  SoakRandomLockstepGames(GlowHorde(), GlowHordeLockstepAdapter(), app_);
 }
 
 }  // namespace

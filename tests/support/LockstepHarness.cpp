@@ -3,12 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <deque>
 #include <map>
 #include <numeric>
@@ -224,7 +219,8 @@ std::string DescribeSettings(GameSettings const& settings) {
 }
 
 LockstepReport Run(IGame const& game, LockstepAdapter const& adapter, LockstepGame const& settings,
-                   std::shared_ptr<SDL3App> const& app, std::optional<RelayFault> fault, bool full) {
+                   std::shared_ptr<SDL3App> const& app, std::optional<RelayFault> fault, bool full,
+                   std::vector<LockstepTraceEntry>* trace = nullptr) {
   std::size_t const count = settings.slots.size();
   auto const delay = static_cast<std::uint32_t>(settings.delayFrames);
   Relay relay;
@@ -298,6 +294,17 @@ LockstepReport Run(IGame const& game, LockstepAdapter const& adapter, LockstepGa
     ToBytes(results[c], resultBytes[c]);
   }
   report.results = results.front().results;
+  report.endStateChecksum = results.front().endStateChecksum;
+  if (trace != nullptr) {
+    for (std::string const& part : reference.partOrder) {
+      std::vector<Recorded> const& line = reference.digests.at(part);
+      for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i].set) {
+          trace->push_back({part, static_cast<std::int64_t>(i), line[i].frame, line[i].digest});
+        }
+      }
+    }
+  }
   for (std::size_t c = 1; c < count; ++c) {
     for (std::string const& part : reference.partOrder) {
       std::vector<Recorded> const& line = reference.digests.at(part);
@@ -393,41 +400,9 @@ LockstepReport CheckLockstepGame(IGame const& game, LockstepAdapter const& adapt
   return report.agreed ? report : Run(game, adapter, settings, app, fault, true);
 }
 
-}  // namespace testing_support
-
-namespace testing_support {
-
-LockstepTally PlayRandomLockstepGames(IGame const& game, LockstepAdapter const& adapter, std::uint64_t first,
-                                      int count, std::shared_ptr<SDL3App> const& app) {
-  LockstepTally tally;
-  auto const start = std::chrono::steady_clock::now();
-  for (int i = 0; i < count; ++i) {
-    LockstepGame const settings = RandomLockstepGame(game, first + static_cast<std::uint64_t>(i));
-    LockstepReport const report = CheckLockstepGame(game, adapter, settings, app);
-    EXPECT_TRUE(report.agreed) << report.text;
-    tally.games += 1;
-    tally.frames += report.endFrame;
-    tally.orders += report.ordersGiven;
-    tally.stalls += report.stalls;
-    tally.results.push_back(report.results);
-    tally.maps.push_back(settings.settings.strings.at("map"));
-    tally.playerCounts.push_back(settings.slots.size());
-    tally.delays.push_back(settings.delayFrames);
-    tally.settings.push_back(settings.settings);
-    if (::testing::Test::HasFailure()) {
-      break;
-    }
-  }
-  double const seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  std::printf("%d games (seeds %llu on) in %.1f s: %lld frames, %lld orders given, %lld stalled rounds\n", tally.games,
-              static_cast<unsigned long long>(first), seconds, tally.frames, tally.orders, tally.stalls);
-  std::fflush(stdout);
-  return tally;
-}
-
-int LockstepGamesFromEnvironment(char const* name, int otherwise) {
-  char const* value = std::getenv(name);
-  return value != nullptr && *value != '\0' ? std::atoi(value) : otherwise;
+LockstepReport TraceLockstepGame(IGame const& game, LockstepAdapter const& adapter, LockstepGame const& settings,
+                                 std::shared_ptr<SDL3App> const& app, std::vector<LockstepTraceEntry>& trace) {
+  return Run(game, adapter, settings, app, std::nullopt, true, &trace);
 }
 
 }  // namespace testing_support

@@ -82,6 +82,7 @@ struct LockstepReport {
   int ordersGiven = 0;  // non-empty orders sent by all clients
   int stalls = 0;       // frames on which some client had to wait
   std::vector<std::vector<long long>> results;  // client 0's result rows
+  std::uint64_t endStateChecksum = 0;           // client 0's
   std::optional<std::uint32_t> faultFrame;  // with a fault: the update it hit on the faulty client
   // On disagreement: the first divergent frame (as the later of the two clients recorded it) and part.
   std::optional<std::uint32_t> firstDivergentFrame;
@@ -94,8 +95,23 @@ struct LockstepReport {
 LockstepReport CheckLockstepGame(IGame const& game, LockstepAdapter const& adapter, LockstepGame const& settings,
                                  std::shared_ptr<SDL3App> const& app, std::optional<RelayFault> fault = {});
 
+// One digest of client 0: part, the entry it was recorded at (see DigestSink), the frame it was taken
+// after, and its value.
+struct LockstepTraceEntry {
+  std::string part;
+  std::int64_t at = 0;
+  std::uint32_t frame = 0;
+  std::uint64_t digest = 0;
+};
+
+// Plays the game once with every digest at every frame and hands back client 0's digests, part by part
+// in the order the adapter first gave them, entry by entry; the report says whether the clients agreed.
+LockstepReport TraceLockstepGame(IGame const& game, LockstepAdapter const& adapter, LockstepGame const& settings,
+                                 std::shared_ptr<SDL3App> const& app, std::vector<LockstepTraceEntry>& trace);
+
 }  // namespace testing_support
 
+// Defined in RandomLockstepGames.cpp, which reports through GoogleTest.
 namespace testing_support {
 
 // What a run of random games covered.
@@ -112,9 +128,15 @@ struct LockstepTally {
 };
 
 // Plays the random games with seeds first to first + count - 1; each one that disagrees fails the current
-// test with the harness's report, and the run stops at the first.
+// test with the harness's report, and the run stops at the first. maxSeconds, when above 0, caps each
+// game's duration (a cap at or above the schema's minimum keeps the settings legal).
 LockstepTally PlayRandomLockstepGames(IGame const& game, LockstepAdapter const& adapter, std::uint64_t first,
-                                      int count, std::shared_ptr<SDL3App> const& app);
+                                      int count, std::shared_ptr<SDL3App> const& app, int maxSeconds = 0);
+
+// The soak: TANDEM_LOCKSTEP_SOAK games (the test is skipped when that is unset or 0) from the seed
+// TANDEM_LOCKSTEP_SOAK_FIRST (1000000 unless set), each at most TANDEM_LOCKSTEP_SOAK_SECONDS long
+// when that is set; every one must agree.
+void SoakRandomLockstepGames(IGame const& game, LockstepAdapter const& adapter, std::shared_ptr<SDL3App> const& app);
 
 // The number of games from an environment variable, or the given number.
 int LockstepGamesFromEnvironment(char const* name, int otherwise);

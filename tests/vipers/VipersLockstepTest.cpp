@@ -70,11 +70,7 @@ TEST_F(VipersLockstep, AnOrderDeliveredLateIsCaughtAtItsFrame) {
 }
 
 TEST_F(VipersLockstep, SoakManyMoreRandomGames) {
-  int const count = LockstepGamesFromEnvironment("TANDEM_LOCKSTEP_SOAK", 0);
-  if (count <= 0) {
-    GTEST_SKIP() << "Set TANDEM_LOCKSTEP_SOAK to the number of games.";
-  }
-  PlayRandomLockstepGames(Vipers(), VipersLockstepAdapter(), 1000000, count, app_);
+  SoakRandomLockstepGames(Vipers(), VipersLockstepAdapter(), app_);
 }
 
 }  // namespace
