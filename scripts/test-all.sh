@@ -13,7 +13,7 @@ start=$SECONDS
 stage() { printf '\n== %s (at %d s)\n' "$1" $((SECONDS - start)); }
 
 stage "Fuzz targets"
-SECONDS_PER_TARGET=${SECONDS_PER_TARGET:-15} bash scripts/run-fuzzers.sh
+SECONDS_PER_TARGET=${SECONDS_PER_TARGET:-12} bash scripts/run-fuzzers.sh
 
 stage "Debug build with AddressSanitizer and UndefinedBehaviorSanitizer"
 cmake --preset debug >/dev/null
