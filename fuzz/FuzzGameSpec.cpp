@@ -1,5 +1,5 @@
-// Fuzz target: the tolerant GameSpec reader. Every input gives a spec, and a spec writes back to
-// bytes that read to the same spec.
+// Fuzz target: the tolerant GameSpec reader. Every input gives a GameSpec, and a GameSpec writes back to
+// bytes that read to the same GameSpec.
 #include "FuzzChecks.h"
 #include "net/GameRecordsWire.h"
 

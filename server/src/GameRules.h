@@ -36,14 +36,14 @@ inline constexpr int kMaxDelayFrames = 35;
 
 std::vector<GameLimits> const& AllGames();
 
-// A room's spec, checked. slots is the number of places of the map: the slots a player may choose.
+// A room's GameSpec, checked. slots is the number of places of the map: the slots a player may choose.
 struct CheckedSpec {
   GameSpec spec;
   std::uint16_t slots = 0;
   bool ranked = false;
 };
 
-// Parses and checks a room's spec: the bytes must hold the whole record and nothing more, the game
+// Parses and checks a room's GameSpec: the bytes must hold the whole record and nothing more, the game
 // and its map or challenge or ranked match must exist, delayFrames must lie from 10 to 35 and the
 // player counts within the map's places. On failure error holds the sentence for the player.
 std::optional<CheckedSpec> CheckSpec(std::vector<unsigned char> const& specBytes, std::string& error);

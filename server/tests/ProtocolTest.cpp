@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A custom Glow Horde spec on "Cauldrons" (3 places), by hand: game 0, variant 2 with one string
+// A custom Glow Horde GameSpec on "Cauldrons" (3 places), by hand: game 0, variant 2 with one string
 // entry and no integers, delay, min, max.
 Bytes CauldronsSpec(unsigned minPlayers, unsigned maxPlayers, unsigned delay = 15, char const* map = "Cauldrons") {
   Bytes spec;
@@ -323,8 +323,8 @@ TEST_F(Protocol, CreateGameRefusesWhatDoesNotCheckOut) {
       {"unknown game", CreateGame("x", unknownGame, 1, 3, true)},
       {"unknown map", CreateGame("x", CauldronsSpec(1, 3, 15, "Nowhere"), 1, 3, true)},
       {"more players than the map", CreateGame("x", CauldronsSpec(1, 4), 1, 4, true)},
-      {"counts differ from the spec", CreateGame("x", CauldronsSpec(1, 3), 1, 2, true)},
-      {"spec with a trailing byte", CreateGame("x", trailing, 1, 3, true)},
+      {"counts differ from the GameSpec", CreateGame("x", CauldronsSpec(1, 3), 1, 2, true)},
+      {"GameSpec with a trailing byte", CreateGame("x", trailing, 1, 3, true)},
       {"ranked with repeated ids", CreateGame("x", RankedSpec(), 2, 2, true)},
       {"control character in the description", CreateGame("a\nb", CauldronsSpec(1, 3), 1, 3, true)},
   };

@@ -89,7 +89,7 @@ Seat Join(unsigned short port, Credentials const& credentials, std::string const
   return seat;
 }
 
-// Ann and Ben play one Glow Horde game of spec through the server with the client's own network
+// Ann and Ben play one Glow Horde game of the given GameSpec through the server with the client's own network
 // classes, each stepping its own session with orders of its own, to the end.
 void PlayGame(ServerProcess& server, std::string const& data, std::string const& storage, IGame const& horde,
               GameSettings const& settings, GameSpec const& spec, std::vector<Seat>& seats,

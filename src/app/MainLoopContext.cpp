@@ -198,7 +198,7 @@ void MainLoopContext::startOrEndNetworkGame(mainloop::ConnectedState& connected)
   if (!connected.game && started && lobby.isUDPServerRunning()) {
     GameStartInfo const& info = *lobby.gameStartInfo();
     GameSpec const spec = ParseGameSpec(lobby.gameSpec());
-    // The spec and the slots come from the server: a game, a slot or a player count that this client
+    // The GameSpec and the slots come from the server: a game, a slot or a player count that this client
     // can't play is refused with a message instead of being read past an end.
     if (static_cast<std::size_t>(spec.game) >= shared.games.size()) {
       throw std::runtime_error("The server started a game that this client doesn't know.");

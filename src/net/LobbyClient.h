@@ -47,7 +47,7 @@ public:
   void moveToSlot(short slot);  // -1: automatic
   void requestCreateGame(std::string const& description, std::vector<unsigned char> const& specBytes,
                          unsigned short minPlayers, unsigned short maxPlayers, bool repeatedIdsAllowed);
-  // The same for a spec: player counts from the spec, repeated ids allowed unless it is a ranked match.
+  // The same for a GameSpec: player counts from the GameSpec, repeated ids allowed unless it is a ranked match.
   void requestCreateGame(std::string const& description, GameSpec const& spec);
   // Sends the roomToken of the local player's room; does nothing when the mirror has no such room.
   void requestGameStart();

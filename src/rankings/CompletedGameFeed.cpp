@@ -33,7 +33,7 @@ CompletedGameFeed::Outcome CompletedGameFeed::take(unsigned short gameNumber, Ga
       [&](auto const& settings) {
         using Settings = std::decay_t<decltype(settings)>;
         if constexpr (std::is_same_v<Settings, CoopChallengeIndex>) {
-          // A spec too short to name its game reads as a challenge of the defaults; only a game's own
+          // A GameSpec too short to name its game reads as a challenge of the defaults; only a game's own
           // challenges go into its tables.
           if (spec.game != highScores.game()) {
             return Outcome::Refused;

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 GameSettings const& GameSettingsLookup::settingsFrom(GameSpecSettings const& settings) const {
-  // An index comes from a room's spec or a recording file, so one beyond the catalogue is refused
+  // An index comes from a room's GameSpec or a recording file, so one beyond the catalogue is refused
   // rather than read past the end.
   struct Visitor {
     GameSettingsLookup const& lookup;

@@ -55,7 +55,7 @@ struct GameSettingsLookup {
   std::vector<NamedGameSettings> coopChallenges;
   std::vector<NamedGameSettings> rankedMatches;
 
-  // The settings that a spec's settings variant stands for. Indices are trusted.
+  // The settings that a GameSpec's settings variant stands for. Indices are trusted.
   GameSettings const& settingsFrom(GameSpecSettings const& settings) const;
 };
 

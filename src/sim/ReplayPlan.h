@@ -33,8 +33,8 @@ struct ReplayPlan {
 std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const& spec,
                                                std::vector<std::uint16_t> const& players);
 
-// The plan of a replay of recording, whose spec is spec and names game. Raises std::runtime_error with
-// a sentence when the recording can't be replayed. Recordings come from files and the network, so
+// The plan of a replay of recording, whose GameSpec is `spec` and names game. Raises std::runtime_error
+// with a sentence when the recording can't be replayed. Recordings come from files and the network, so
 // everything is checked here, nothing assumed.
 ReplayPlan PlanReplay(IGame const& game, GameSpec const& spec, Recording const& recording);
 

@@ -194,7 +194,7 @@ void RenderCreateRoomPage(LobbyUIState& state, IAppState const& app, std::vector
         CustomSettingsWidgets(state.customSettings[static_cast<std::size_t>(state.game)], game->schema);
       }
     }
-    // The spec again, for what the widgets chose this frame.
+    // The GameSpec again, for what the widgets chose this frame.
     chosen = game != nullptr ? CreateRoomSpec(state, *game) : std::nullopt;
     if (chosen && state.gameType != GameType::Friendly) {
       ShowGameSettings(*game, *chosen);

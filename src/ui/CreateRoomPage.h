@@ -22,13 +22,13 @@ bool EnumCombo(char const* label, Enum& value);
 std::uint32_t& CoopChoice(LobbyUIState& state);
 std::uint32_t& RankedChoice(LobbyUIState& state);
 
-// The spec that "Create room" sends for the page's current choices, with game as the chosen game's
+// The GameSpec that "Create room" sends for the page's current choices, with game as the chosen game's
 // catalogue; nothing when the choice can't be made (a game without challenges or ranked matches, a
 // custom settings list not yet filled). A remembered choice past the end of the game's list is brought
 // back to 0, and a custom map that isn't one of the game's choices to the first of them.
 std::optional<GameSpec> CreateRoomSpec(LobbyUIState& state, IGame const& game);
 
-// The command that a click on "Create room" pushes for a spec.
+// The command that a click on "Create room" pushes for a GameSpec.
 UICmd::CreateGame CreateRoomCommand(LobbyUIState const& state, GameSpec const& spec);
 
 // The room creation page: game, description, delay, kind of game and its settings; "Create room" pushes

@@ -81,7 +81,7 @@ void OrangeLabel(char const* label) {
   ImGui::SameLine();
 }
 
-// The settings that the spec names, or none if its index is outside the game's tables.
+// The settings that the GameSpec names, or none if its index is outside the game's tables.
 GameSettings const* SettingsOf(IGame const& game, GameSpec const& spec, std::string& name) {
   if (auto const* coop = std::get_if<CoopChallengeIndex>(&spec.settings)) {
     if (coop->index >= game.lookup.coopChallenges.size()) return nullptr;

@@ -248,7 +248,7 @@ TEST_F(MainLoopContextTest, PacedFramesRecordTheirSections) {
   EXPECT_TRUE(unpaced->timings.sections.empty());
 }
 
-// Recordings come from the server and from files: a spec that names what this client doesn't have ends
+// Recordings come from the server and from files: a GameSpec that names what this client doesn't have ends
 // at a clear error, never in a crash.
 TEST_F(MainLoopContextTest, AHostileRecordingIsRefusedClearly) {
   struct Case {

@@ -140,7 +140,7 @@ for game in final:
     assert game["finished"] and game["agreed"], game
     reports = [r for r in game["reports"].split(",") if r]
     assert len(set(reports)) == 1
-    spec = bytes.fromhex(game["spec"])
+    spec = bytes.fromhex(game["game_spec"])
     which, kind = struct.unpack_from("<HB", spec)
     if kind != 1:
         continue

@@ -149,7 +149,7 @@ TEST_F(WireRobustness, TolerantReadersAndSplitting) {
   spec.settings = GameSettings{{{"map", "Canyon"}}, {}};
   for (Bytes const& input : Inputs({Encode(spec)})) {
     GameSpec const parsed = ParseGameSpec(input);
-    // A spec that parsed writes back to bytes that parse to the same spec.
+    // A GameSpec that parsed writes back to bytes that parse to the same GameSpec.
     ASSERT_EQ(ParseGameSpec(Encode(parsed)), parsed);
   }
   for (Bytes const& input : Inputs({Of({1, 2, 3, 4})})) {

@@ -388,7 +388,7 @@ TEST_F(LobbyPages, TheResultsTabShowsAgreementDisagreementAndTheRecording) {
 }
 
 // Lobby snapshots with random damage: parallel lists of other lengths, unknown player numbers and games,
-// bytes of any kind as specs and reports. Every page must draw them without failing.
+// bytes of any kind as GameSpecs and reports. Every page must draw them without failing.
 TEST_F(LobbyPages, DamagedSnapshotsNeverBreakThePages) {
   std::mt19937 random(20261123);
   auto pick = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };

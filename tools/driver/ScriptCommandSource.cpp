@@ -97,7 +97,7 @@ void LogLobby(IAppState const& state) {
     TestLog::log("game_results", {{"game", static_cast<long long>(number)},
                                   {"finished", game->finished},
                                   {"agreed", AgreedResultBytes(*game).has_value()},
-                                  {"spec", Hex(game->specBytes)},
+                                  {"game_spec", Hex(game->specBytes)},
                                   {"players", players},
                                   {"slots", slots},
                                   {"reports", reports}});
@@ -134,7 +134,7 @@ void LogLobby(IAppState const& state) {
   }
 }
 
-// The bytes of a room's spec for one catalogue entry, with that entry's player counts.
+// The bytes of a room's GameSpec for one catalogue entry, with that entry's player counts.
 std::optional<UICmd> CreateRoomCommand(IAppState const& state, ScriptStep const& step, std::string& error) {
   Game const game = static_cast<Game>(step.number);
   if (static_cast<std::size_t>(step.number) >= state.games().size()) {
