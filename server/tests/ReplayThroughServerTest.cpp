@@ -92,8 +92,7 @@ Seat Join(unsigned short port, Credentials const& credentials, std::string const
 // Ann and Ben play one Glow Horde game of the given GameSpec through the server with the client's own network
 // classes, each stepping its own session with orders of its own, to the end.
 void PlayGame(ServerProcess& server, std::string const& data, std::string const& storage, IGame const& horde,
-              GameSettings const& settings, GameSpec const& spec, std::vector<Seat>& seats,
-              std::vector<Horde>& sessions) {
+              GameSpec const& spec, std::vector<Seat>& seats, std::vector<Horde>& sessions) {
   sessions.resize(2);
   seats.push_back(Join(server.lobbyPort(), MintWithCommand(data, "Ann"), storage + "/0"));
   seats.push_back(Join(server.lobbyPort(), MintWithCommand(data, "Ben"), storage + "/1"));
@@ -119,7 +118,8 @@ void PlayGame(ServerProcess& server, std::string const& data, std::string const&
                                                                 seats[static_cast<std::size_t>(c)].lobby->authToken()));
     sources.emplace_back(clients.back());
     sessions[static_cast<std::size_t>(c)].simulation =
-        std::make_unique<GlowHordeSimulation>(c, 16666, spec.delayFrames, settings, map, slots);
+        std::make_unique<GlowHordeSimulation>(c, 16666, spec.delayFrames, std::get<GameSettings>(spec.settings), map,
+                                              slots);
     sessions[static_cast<std::size_t>(c)].seed = static_cast<unsigned>(c + 1);
   }
   std::vector<int> stalls(2, 0);
@@ -138,34 +138,44 @@ void PlayGame(ServerProcess& server, std::string const& data, std::string const&
   ASSERT_TRUE(sessions[0].gameEnded() && sessions[1].gameEnded());
 }
 
+// A two-player Glow Horde game on "Cauldrons" lasting seconds, with toSpawn units a player.
+GameSpec CauldronsGame(IGame const& horde, int seconds, int toSpawn) {
+  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
+  settings.strings["map"] = "Cauldrons";
+  settings.ints["duration_seconds"] = seconds;
+  settings.ints["number_to_spawn"] = toSpawn;
+  settings.ints["spawn_interval_deciseconds"] = 3;
+  return GameSpec{Game::GlowHorde, settings, 10, 2, 2};
+}
+
+// A session's result bytes, read back as the record a client reports.
+GameResult ParsedResult(Bytes const& bytes) {
+  GameResult parsed;
+  unsigned char const* cursor = bytes.data();
+  std::size_t remaining = bytes.size();
+  EXPECT_TRUE(FromBytes(cursor, remaining, parsed));
+  return parsed;
+}
+
 }  // namespace
 
 TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   static Games const games;
   IGame const& horde = games.refGame(Game::GlowHorde);
-  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
-  settings.strings["map"] = "Cauldrons";
-  settings.ints["duration_seconds"] = 6;
-  settings.ints["number_to_spawn"] = 15;
-  settings.ints["spawn_interval_deciseconds"] = 3;
-  GameSpec const spec{Game::GlowHorde, settings, 10, 2, 2};
+  GameSpec const spec = CauldronsGame(horde, 6, 15);
 
   std::string const data = FreshDirectory("replay");
   std::string const storage = FreshDirectory("replay-client");
   ServerProcess server(data);
   std::vector<Seat> seats;
   std::vector<Horde> sessions;
-  ASSERT_NO_FATAL_FAILURE(PlayGame(server, data, storage, horde, settings, spec, seats, sessions));
+  ASSERT_NO_FATAL_FAILURE(PlayGame(server, data, storage, horde, spec, seats, sessions));
   MapSettings const& map = horde.maps.at("Cauldrons");
   Bytes const result = sessions[0].result();
   ASSERT_EQ(sessions[1].result(), result);
 
-  for (int c = 0; c < 2; ++c) {
-    GameResult parsed;
-    unsigned char const* cursor = result.data();
-    std::size_t remaining = result.size();
-    ASSERT_TRUE(FromBytes(cursor, remaining, parsed));
-    seats[static_cast<std::size_t>(c)].lobby->notifyGameEnd(parsed);
+  for (Seat& seat : seats) {
+    seat.lobby->notifyGameEnd(ParsedResult(result));
   }
   for (Seat& seat : seats) {
     ASSERT_TRUE(Poll([&] { seat.pump(); }, [&] { return !seat.finished.empty(); }));
@@ -206,25 +216,16 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
 TEST(ReplayThroughServer, ADisputedResultIsSettledByTheServersOwnReplay) {
   static Games const games;
   IGame const& horde = games.refGame(Game::GlowHorde);
-  GameSettings settings = DefaultSettingsFromSchema(horde.schema);
-  settings.strings["map"] = "Cauldrons";
-  settings.ints["duration_seconds"] = 30;  // the shortest game a room allows
-  settings.ints["number_to_spawn"] = 10;
-  settings.ints["spawn_interval_deciseconds"] = 3;
-  GameSpec const spec{Game::GlowHorde, settings, 10, 2, 2};
+  GameSpec const spec = CauldronsGame(horde, 30, 10);  // the shortest game a room allows
 
   std::string const data = FreshDirectory("dispute");
   std::string const storage = FreshDirectory("dispute-client");
   ServerProcess server(data);
   std::vector<Seat> seats;
   std::vector<Horde> sessions;
-  ASSERT_NO_FATAL_FAILURE(PlayGame(server, data, storage, horde, settings, spec, seats, sessions));
+  ASSERT_NO_FATAL_FAILURE(PlayGame(server, data, storage, horde, spec, seats, sessions));
   ASSERT_EQ(sessions[0].result(), sessions[1].result());
-  GameResult truth;
-  Bytes const bytes = sessions[0].result();
-  unsigned char const* cursor = bytes.data();
-  std::size_t remaining = bytes.size();
-  ASSERT_TRUE(FromBytes(cursor, remaining, truth));
+  GameResult const truth = ParsedResult(sessions[0].result());
   ASSERT_FALSE(truth.results.empty());
   GameResult forged = truth;
   forged.results[0][0] += 1;  // Ben claims one more unit out for the first team
