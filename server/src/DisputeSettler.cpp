@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <exception>
 #include <utility>
 
 namespace {
@@ -24,7 +25,13 @@ std::string Describe(SettledDispute const& dispute) {
 
 }  // namespace
 
-DisputeSettler::DisputeSettler(Settle settle) : settle_(std::move(settle)), worker_([this] { run(); }) {}
+DisputeSettler::DisputeSettler(Settle settle, IServerStorage& storage)
+    : settle_(std::move(settle)), storage_(storage) {
+  for (SettledDispute& dispute : storage_.settledDisputes(kMaxKept)) {
+    settled_.push_back(std::move(dispute));
+  }
+  worker_ = std::thread([this] { run(); });
+}
 
 DisputeSettler::~DisputeSettler() {
   {
@@ -37,6 +44,7 @@ DisputeSettler::~DisputeSettler() {
 }
 
 bool DisputeSettler::submit(std::uint32_t game, std::vector<unsigned char> recordingFile) {
+  storage_.noteDispute(game);
   {
     std::lock_guard lock(mutex_);
     if (queue_.size() >= kMaxQueued) {
@@ -70,11 +78,20 @@ void DisputeSettler::run() {
     busy_ = true;
     lock.unlock();
     SettledDispute dispute = settle_(job.game, job.file, stop_);
-    std::printf("%s\n", Describe(dispute).c_str());
-    std::fflush(stdout);
+    // A settlement cut short by the stop is none: the game stays waiting for the next run.
+    bool const complete = !stop_;
+    if (complete) {
+      std::printf("%s\n", Describe(dispute).c_str());
+      std::fflush(stdout);
+      try {
+        storage_.saveDispute(dispute);
+      } catch (std::exception const& error) {
+        std::fprintf(stderr, "Failed to save the settlement of game %u: %s\n", dispute.game, error.what());
+      }
+    }
     lock.lock();
     busy_ = false;
-    if (!stop_) {
+    if (complete) {
       settled_.push_back(std::move(dispute));
       while (settled_.size() > kMaxKept) {
         settled_.pop_front();

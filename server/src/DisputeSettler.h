@@ -11,20 +11,12 @@
 #include <thread>
 #include <vector>
 
-#include "sim/GameResult.h"
-
-// A finished game whose reports disagreed, settled by re-simulating its recording here.
-struct SettledDispute {
-  std::uint32_t game = 0;
-  std::vector<std::string> players;  // each place's name
-  std::vector<bool> matches;         // one per place: its report is the re-simulated result
-  std::optional<GameResult> truth;   // the re-simulated result; none if the recording failed
-  std::uint64_t frames = 0;          // frames re-simulated
-  std::string error;                 // why the recording couldn't be re-simulated, if it couldn't
-};
+#include "ServerStorage.h"
+#include "SettledDispute.h"
 
 // Re-simulates the recordings of disputed games on a worker thread of its own, one after the other,
-// so that a long game never holds up the lobby. The re-simulation itself is handed in (the server's is
+// so that a long game never holds up the lobby. Each settlement is saved in the storage, which also
+// notes a game as waiting when it is submitted: a restart settles what the last run left waiting. The re-simulation itself is handed in (the server's is
 // SettleByReplay), so that the lobby's code builds without the games. The queue is bounded: a game submitted to a full
 // queue is refused and stays unsettled. Destruction stops the worker within a frame of simulation.
 class DisputeSettler {
@@ -36,12 +28,14 @@ public:
   using Settle = std::function<SettledDispute(std::uint32_t game, std::vector<unsigned char> const& recordingFile,
                                               std::atomic<bool> const& stop)>;
 
-  explicit DisputeSettler(Settle settle);
+  // Starts with the settlements the storage kept.
+  DisputeSettler(Settle settle, IServerStorage& storage);
   ~DisputeSettler();
   DisputeSettler(DisputeSettler const&) = delete;
   DisputeSettler& operator=(DisputeSettler const&) = delete;
 
-  // Queues game's recording file (its bytes); false if the queue is full.
+  // Notes game as waiting in the storage and queues its recording file (its bytes); false if the queue
+  // is full (the game then waits for a later run).
   bool submit(std::uint32_t game, std::vector<unsigned char> recordingFile);
   // The settled disputes, oldest first.
   std::vector<SettledDispute> settled() const;
@@ -56,6 +50,7 @@ private:
   void run();
 
   Settle const settle_;
+  IServerStorage& storage_;
 
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;

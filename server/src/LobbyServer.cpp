@@ -106,7 +106,7 @@ bool Disputed(GameResults const& results) {
 
 LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeouts timeouts,
                          DisputeSettler::Settle settle)
-    : host_(host), storage_(storage), timeouts_(timeouts), settler_(std::make_unique<DisputeSettler>(std::move(settle))) {
+    : host_(host), storage_(storage), timeouts_(timeouts), settler_(std::make_unique<DisputeSettler>(std::move(settle), storage)) {
   nextGame_ = storage_.gameCount();
   std::uint32_t const first = nextGame_ > kResultsSent ? nextGame_ - kResultsSent : 0;
   for (auto& [number, results] : storage_.loadGames(first, kResultsSent)) {
@@ -119,6 +119,12 @@ LobbyServer::LobbyServer(IServerHost& host, IServerStorage& storage, LobbyTimeou
       nameOf(id);
     }
     recent_.emplace_back(number, std::move(results));
+  }
+  // Disputes that the last run left waiting are settled now, as many as the settler's queue takes.
+  for (std::uint32_t const game : storage_.waitingDisputes()) {
+    if (!settleDispute(game)) {
+      break;
+    }
   }
 }
 
@@ -786,10 +792,8 @@ void LobbyServer::finishIfDone(unsigned short r) {
     results->finished = true;
     updateGame(running.game, *results);
     if (Disputed(*results)) {
-      std::optional<std::vector<unsigned char>> file = recordingFile(running.game);
-      bool const queued = file && settler_->submit(running.game, std::move(*file));
-      Log("The reports of game " + std::to_string(running.game) + " disagree; " +
-          (queued ? "re-simulating its recording" : "too many disputes queued, it stays unsettled"));
+      Log("The reports of game " + std::to_string(running.game) + " disagree");
+      settleDispute(running.game);
     }
   }
   Log("Game " + std::to_string(running.game) + " finished");
@@ -871,6 +875,14 @@ void LobbyServer::updateGame(std::uint32_t game, GameResults const& results) {
   while (recent_.size() > kResultsSent) {
     recent_.pop_front();
   }
+}
+
+bool LobbyServer::settleDispute(std::uint32_t game) {
+  // A game without its recording is submitted all the same: the settler records why it can't be replayed.
+  bool const queued = settler_->submit(game, recordingFile(game).value_or(std::vector<unsigned char>{}));
+  Log("Game " + std::to_string(game) + (queued ? ": re-simulating its recording to settle its reports"
+                                               : ": too many disputes queued, it waits for the next run"));
+  return queued;
 }
 
 std::optional<std::vector<unsigned char>> LobbyServer::recordingFile(std::uint32_t game) {

@@ -123,6 +123,8 @@ private:
   RunningGame* activeGameOf(unsigned short player, std::size_t& place);
   void markGone(RunningGame& running, std::size_t place);
   void finishIfDone(unsigned short room);
+  // Queues game's recording for the settler; false when its queue is full.
+  bool settleDispute(std::uint32_t game);
   void applyRelayOutput(RunningGame& running, GameRelay::Output& out);
   void saveRecording(RunningGame& running);
   void updateGame(std::uint32_t game, GameResults const& results);

@@ -72,3 +72,35 @@ std::optional<std::vector<unsigned char>> MemoryStorage::recordingChunks(std::ui
   auto const found = recordings_.find(game);
   return found == recordings_.end() ? std::nullopt : std::optional(found->second);
 }
+
+void MemoryStorage::noteDispute(std::uint32_t game) {
+  std::lock_guard lock(mutex_);
+  disputes_.try_emplace(game);
+}
+
+void MemoryStorage::saveDispute(SettledDispute const& dispute) {
+  std::lock_guard lock(mutex_);
+  disputes_[dispute.game] = dispute;
+}
+
+std::vector<std::uint32_t> MemoryStorage::waitingDisputes() {
+  std::lock_guard lock(mutex_);
+  std::vector<std::uint32_t> waiting;
+  for (auto const& [game, settled] : disputes_) {
+    if (!settled) {
+      waiting.push_back(game);
+    }
+  }
+  return waiting;
+}
+
+std::vector<SettledDispute> MemoryStorage::settledDisputes(std::uint32_t count) {
+  std::lock_guard lock(mutex_);
+  std::vector<SettledDispute> settled;
+  for (auto found = disputes_.rbegin(); found != disputes_.rend() && settled.size() < count; ++found) {
+    if (found->second) {
+      settled.insert(settled.begin(), *found->second);
+    }
+  }
+  return settled;
+}

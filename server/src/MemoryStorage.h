@@ -24,6 +24,11 @@ public:
   void saveRecordingChunks(std::uint32_t game, std::vector<unsigned char> const& chunks) override;
   std::optional<std::vector<unsigned char>> recordingChunks(std::uint32_t game) override;
 
+  void noteDispute(std::uint32_t game) override;
+  void saveDispute(SettledDispute const& dispute) override;
+  std::vector<std::uint32_t> waitingDisputes() override;
+  std::vector<SettledDispute> settledDisputes(std::uint32_t count) override;
+
 private:
   struct Account {
     std::vector<unsigned char> secret;
@@ -33,4 +38,5 @@ private:
   std::map<std::string, Account> accounts_;  // by playerId, its bytes as a string
   std::map<std::uint32_t, GameResults> games_;
   std::map<std::uint32_t, std::vector<unsigned char>> recordings_;
+  std::map<std::uint32_t, std::optional<SettledDispute>> disputes_;  // none while waiting
 };

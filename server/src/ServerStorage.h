@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "SettledDispute.h"
 #include "sim/GameResults.h"
 
 // What the server keeps across restarts: accounts with their names, the played games with every
@@ -36,4 +37,13 @@ public:
   // then each chunk (8-byte size and bytes).
   virtual void saveRecordingChunks(std::uint32_t game, std::vector<unsigned char> const& chunks) = 0;
   virtual std::optional<std::vector<unsigned char>> recordingChunks(std::uint32_t game) = 0;
+
+  // Games whose reports disagreed: noted as waiting when they finish, then replaced by their settlement.
+  // Noting a game that is already noted or settled changes nothing.
+  virtual void noteDispute(std::uint32_t game) = 0;
+  virtual void saveDispute(SettledDispute const& dispute) = 0;
+  // The games still waiting for a settlement, in order of number.
+  virtual std::vector<std::uint32_t> waitingDisputes() = 0;
+  // The count settlements of the highest game numbers, in order of number.
+  virtual std::vector<SettledDispute> settledDisputes(std::uint32_t count) = 0;
 };

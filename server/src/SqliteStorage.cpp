@@ -2,8 +2,10 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <stdexcept>
 
+#include "net/GameRecordsWire.h"
 #include "net/LobbyRecordsWire.h"
 
 namespace {
@@ -108,6 +110,13 @@ SqliteStorage::SqliteStorage(std::string const& path) {
        " game INTEGER NOT NULL, place INTEGER NOT NULL, player_id BLOB NOT NULL, result BLOB NOT NULL,"
        " PRIMARY KEY (game, place))");
   exec("CREATE TABLE IF NOT EXISTS recordings (game INTEGER PRIMARY KEY, chunks BLOB NOT NULL)");
+  // A disputed game waits with settled = 0; its settlement fills the rest, one row a place beside.
+  exec("CREATE TABLE IF NOT EXISTS disputes ("
+       " game INTEGER PRIMARY KEY, settled INTEGER NOT NULL, frames INTEGER NOT NULL DEFAULT 0,"
+       " error TEXT NOT NULL DEFAULT '', truth BLOB)");
+  exec("CREATE TABLE IF NOT EXISTS dispute_places ("
+       " game INTEGER NOT NULL, place INTEGER NOT NULL, name TEXT NOT NULL, matches INTEGER NOT NULL,"
+       " PRIMARY KEY (game, place))");
 }
 
 SqliteStorage::~SqliteStorage() {
@@ -241,4 +250,85 @@ std::optional<std::vector<unsigned char>> SqliteStorage::recordingChunks(std::ui
     return std::nullopt;
   }
   return query.columnBlob(0);
+}
+
+void SqliteStorage::noteDispute(std::uint32_t game) {
+  std::lock_guard lock(mutex_);
+  Statement insert(db_, "INSERT OR IGNORE INTO disputes (game, settled) VALUES (?1, 0)");
+  insert.integer(1, game);
+  insert.step();
+}
+
+void SqliteStorage::saveDispute(SettledDispute const& dispute) {
+  std::vector<unsigned char> truth;
+  if (dispute.truth) {
+    ToBytes(*dispute.truth, truth);
+  }
+  std::lock_guard lock(mutex_);
+  exec("BEGIN IMMEDIATE");
+  try {
+    Statement upsert(db_,
+                     "INSERT OR REPLACE INTO disputes (game, settled, frames, error, truth) VALUES (?1, 1, ?2, ?3, ?4)");
+    upsert.integer(1, dispute.game).integer(2, static_cast<long long>(dispute.frames)).text(3, dispute.error);
+    if (dispute.truth) {
+      upsert.blob(4, truth);
+    }
+    upsert.step();
+    Statement clear(db_, "DELETE FROM dispute_places WHERE game = ?1");
+    clear.integer(1, dispute.game);
+    clear.step();
+    std::size_t const places = std::max(dispute.players.size(), dispute.matches.size());
+    for (std::size_t place = 0; place < places; ++place) {
+      Statement row(db_, "INSERT INTO dispute_places (game, place, name, matches) VALUES (?1, ?2, ?3, ?4)");
+      row.integer(1, dispute.game).integer(2, static_cast<long long>(place));
+      row.text(3, place < dispute.players.size() ? dispute.players[place] : std::string());
+      row.integer(4, place < dispute.matches.size() && dispute.matches[place] ? 1 : 0);
+      row.step();
+    }
+    exec("COMMIT");
+  } catch (...) {
+    sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+    throw;
+  }
+}
+
+std::vector<std::uint32_t> SqliteStorage::waitingDisputes() {
+  std::lock_guard lock(mutex_);
+  Statement query(db_, "SELECT game FROM disputes WHERE settled = 0 ORDER BY game");
+  std::vector<std::uint32_t> waiting;
+  while (query.step()) {
+    waiting.push_back(static_cast<std::uint32_t>(query.columnInteger(0)));
+  }
+  return waiting;
+}
+
+std::vector<SettledDispute> SqliteStorage::settledDisputes(std::uint32_t count) {
+  std::lock_guard lock(mutex_);
+  Statement query(db_,
+                  "SELECT game, frames, error, truth FROM"
+                  " (SELECT * FROM disputes WHERE settled = 1 ORDER BY game DESC LIMIT ?1) ORDER BY game");
+  query.integer(1, count);
+  std::vector<SettledDispute> settled;
+  while (query.step()) {
+    SettledDispute& dispute = settled.emplace_back();
+    dispute.game = static_cast<std::uint32_t>(query.columnInteger(0));
+    dispute.frames = static_cast<std::uint64_t>(query.columnInteger(1));
+    dispute.error = query.columnText(2);
+    std::vector<unsigned char> const truth = query.columnBlob(3);
+    GameResult result;
+    unsigned char const* cursor = truth.data();
+    std::size_t remaining = truth.size();
+    if (!truth.empty() && FromBytes(cursor, remaining, result)) {
+      dispute.truth = std::move(result);
+    }
+  }
+  for (SettledDispute& dispute : settled) {
+    Statement places(db_, "SELECT name, matches FROM dispute_places WHERE game = ?1 ORDER BY place");
+    places.integer(1, dispute.game);
+    while (places.step()) {
+      dispute.players.push_back(places.columnText(0));
+      dispute.matches.push_back(places.columnInteger(1) != 0);
+    }
+  }
+  return settled;
 }

@@ -32,6 +32,11 @@ public:
   void saveRecordingChunks(std::uint32_t game, std::vector<unsigned char> const& chunks) override;
   std::optional<std::vector<unsigned char>> recordingChunks(std::uint32_t game) override;
 
+  void noteDispute(std::uint32_t game) override;
+  void saveDispute(SettledDispute const& dispute) override;
+  std::vector<std::uint32_t> waitingDisputes() override;
+  std::vector<SettledDispute> settledDisputes(std::uint32_t count) override;
+
 private:
   void exec(char const* sql);
 

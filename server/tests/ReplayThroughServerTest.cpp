@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <httplib.h>
+#include <sqlite3.h>
 
 #include <filesystem>
 #include <functional>
@@ -212,7 +213,7 @@ TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
 
 // Two players report different results of the same game: the server re-simulates the recording with
 // the games' own code, finds Ann's report true and Ben's not, logs it, and the status page's table of
-// settled disputes shows the re-simulated result with Ann alone as matching it.
+// settled disputes shows the re-simulated result with Ann alone as matching it, after restarts too.
 TEST(ReplayThroughServer, ADisputedResultIsSettledByTheServersOwnReplay) {
   static Games const games;
   IGame const& horde = games.refGame(Game::GlowHorde);
@@ -249,19 +250,40 @@ TEST(ReplayThroughServer, ADisputedResultIsSettledByTheServersOwnReplay) {
     for (std::size_t i = 0; i < row.size(); ++i) truthText += (i == 0 ? "" : ", ") + std::to_string(row[i]);
     truthText += "]";
   }
-  httplib::Client web("127.0.0.1", server.webPort());
-  std::string page;
-  ASSERT_TRUE(Poll([] {}, [&] {
-    auto const response = web.Get("/status");
-    page = response ? response->body : "";
-    return page.find("<h2>Settled disputes</h2><table>") != std::string::npos;
-  }, 20000ms)) << page;
-  std::size_t const row = page.find("<tr><td>0</td><td>" + truthText + "</td><td>Ann</td><td>");
-  EXPECT_NE(row, std::string::npos) << page;
-  EXPECT_EQ(page.find("Ben</td><td>", row), std::string::npos);
-
+  auto const expectSettlementShown = [&](ServerProcess const& running) {
+    httplib::Client web("127.0.0.1", running.webPort());
+    std::string page;
+    ASSERT_TRUE(Poll([] {}, [&] {
+      auto const response = web.Get("/status");
+      page = response ? response->body : "";
+      return page.find("<h2>Settled disputes</h2><table>") != std::string::npos;
+    }, 20000ms)) << page;
+    std::size_t const row = page.find("<tr><td>0</td><td>" + truthText + "</td><td>Ann</td><td>");
+    EXPECT_NE(row, std::string::npos) << page;
+    EXPECT_EQ(page.find("Ben</td><td>", row), std::string::npos);
+  };
+  expectSettlementShown(server);
+  server.removeDataOnExit = false;
   EXPECT_EQ(server.terminate(), 0);
-  EXPECT_NE(server.output().find("The reports of game 0 disagree; re-simulating its recording"), std::string::npos);
+  EXPECT_NE(server.output().find("The reports of game 0 disagree\n"), std::string::npos) << server.output();
   EXPECT_NE(server.output().find("reports that match: 0 (Ann)\n"), std::string::npos) << server.output();
+
+  {  // The settlement outlives the server.
+    ServerProcess again(data);
+    again.removeDataOnExit = false;
+    expectSettlementShown(again);
+    EXPECT_EQ(again.terminate(), 0);
+    EXPECT_EQ(again.output().find("re-simulat"), std::string::npos) << again.output();
+  }
+  // A server that stopped before the settlement was saved leaves the game waiting: the next one settles it.
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open((std::filesystem::path(data) / "server.sqlite3").c_str(), &db), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(db, "UPDATE disputes SET settled = 0; DELETE FROM dispute_places", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(db);
+  ServerProcess last(data);
+  expectSettlementShown(last);
+  EXPECT_EQ(last.terminate(), 0);
+  EXPECT_NE(last.output().find("Game 0: re-simulating its recording"), std::string::npos) << last.output();
   std::filesystem::remove_all(storage);
 }
