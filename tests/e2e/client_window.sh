@@ -19,55 +19,9 @@ if [ "${1:-}" = "--inner" ]; then
   work=$3
   screens=$4
   client_dir="$work/client"
-  shot() { import -window root "$screens/$1.png"; }
-  click() { xdotool mousemove "$1" "$2"; sleep 0.15; xdotool click 1; sleep "${3:-0.8}"; }
-  fail() { echo "FAIL: $*"; shot "failure-$phase"; echo "--- client output"; cat "$work/client-$phase.txt"; exit 1; }
-  # The number of pixels of colour $2 (as #RRGGBB) in the region $3 (WxH+X+Y) of the screen.
-  count_colour() {
-    import -window root -crop "$2" -depth 8 txt:- 2>/dev/null | grep -ic "$1"
-  }
-  # Waits up to $3 seconds until the screen's region $2 shows colour $1.
-  wait_colour() {
-    local tries=$(( $3 * 4 ))
-    while [ "$tries" -gt 0 ]; do
-      [ "$(count_colour "$1" "$2")" -gt 0 ] && return 0
-      sleep 0.25
-      tries=$((tries - 1))
-    done
-    return 1
-  }
-  # The mean position "x y" of colour $1 in the region given as width height x y.
-  find_colour() {
-    import -window root -crop "${2}x${3}+${4}+${5}" -depth 8 txt:- 2>/dev/null | grep -i "$1" |
-      awk -v x0="$4" -v y0="$5" -F'[,:]' '{ sx += $1; sy += $2; n++ } END { if (n > 0) printf "%d %d\n", x0 + sx / n, y0 + sy / n }'
-  }
-
-  export TANDEM_AUDIO_DRIVER=null
-  unset SDL_VIDEODRIVER
-  "$client_dir/tandem-client" --start-windowed >"$work/client-$phase.txt" 2>&1 &
-  pid=$!
-  window=""
-  for _ in $(seq 40); do
-    window=$(xdotool search --name "SDL3 application" 2>/dev/null | head -1)
-    [ -n "$window" ] && break
-    sleep 0.25
-  done
-  if [ -z "$window" ]; then
-    echo "The client's window didn't appear:"; cat "$work/client-$phase.txt"
-    exit 3
-  fi
-  # There is no window manager under Xvfb to honour full screen: the window is placed and sized to cover
-  # the screen instead, which the client sees as a resize.
-  read -r screen_width screen_height < <(xdotool getdisplaygeometry)
-  xdotool windowmove "$window" 0 0
-  xdotool windowsize "$window" "$screen_width" "$screen_height"
-  sleep 1
-  # The first move can leave the client with its old position, and mouse positions shifted by it; a
-  # second one after the resize brings it in line.
-  xdotool windowmove "$window" 1 1
-  sleep 0.3
-  xdotool windowmove "$window" 0 0
-  sleep 1
+  # shellcheck source=x_window.sh
+  . "$(dirname "$0")/x_window.sh"
+  start_client_window "$client_dir"
   green_hordeling="#00FF7F"
   yellow_text="#FFFF4D"   # "Game Over." (and the time in the bar at the bottom)
   green_text="#4DCC4D"    # "Completed", "Credentials found", a valid string
@@ -180,20 +134,14 @@ fi
 client=$1
 driver=$2
 screens=$3
-if ! command -v xvfb-run >/dev/null; then
-  echo "SKIP: xvfb-run is not installed"
-  exit 77
-fi
-for tool in xdotool import convert; do
-  command -v "$tool" >/dev/null || { echo "FAIL: $tool is needed beside xvfb-run"; exit 1; }
-done
+# shellcheck source=x_window.sh
+. "$(dirname "$0")/x_window.sh"
+require_x_tools
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$screens" "$work/client/recordings"
 rm -f "$screens"/*.png
-# The client keeps its files beside itself: a copy of it in a scratch directory, with the data.
-cp "$client" "$work/client/tandem-client"
-ln -s "$(dirname "$client")/data" "$work/client/data"
+copy_client "$client" "$work/client"
 
 # A Glow Horde recording for the replay page, played by the driver.
 SDL_VIDEODRIVER=dummy TANDEM_AUDIO_DRIVER=null timeout 120 "$driver" --storage "$work/driver" --window 320x180 \
@@ -202,17 +150,6 @@ SDL_VIDEODRIVER=dummy TANDEM_AUDIO_DRIVER=null timeout 120 "$driver" --storage "
 cp "$work/driver/recordings/recording1.bin" "$work/client/recordings/recording1.bin"
 
 echo "Screenshots: $screens"
-# Runs one phase on a virtual display of the given size; once more if the display was lost to another
-# run that took the same number at the same moment (the client then finds no display: status 3).
-phase() {
-  local status
-  for _ in 1 2; do
-    timeout "$3" xvfb-run -a -s "-screen 0 ${2}x24" bash "$0" --inner "$1" "$work" "$screens"
-    status=$?
-    [ "$status" -ne 3 ] && break
-  done
-  [ "$status" -eq 0 ] || exit 1
-}
-phase tutorial 1280x720 180
-phase credentials 1920x1080 90
+run_phase tutorial 1280x720 180 "$work" "$screens"
+run_phase credentials 1920x1080 90 "$work" "$screens"
 echo "PASS: the client at 1280x720 and 1920x1080, screenshots in $screens"

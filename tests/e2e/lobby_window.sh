@@ -15,56 +15,9 @@ if [ "${1:-}" = "--inner" ]; then
   screens=$4
   port=$5
   client_dir="$work/client"
-  shot() { import -window root "$screens/$1.png"; }
-  click() { xdotool mousemove "$1" "$2"; sleep 0.15; xdotool click 1; sleep "${3:-0.8}"; }
-  fail() { echo "FAIL: $*"; shot "failure-$phase"; echo "--- client output"; cat "$work/client-$phase.txt"; exit 1; }
-  count_colour() {
-    import -window root "$work/screen.png"
-    convert "$work/screen.png" -crop "$2" +repage txt:- 2>/dev/null | grep -ic "$1"
-  }
-  wait_colour() {
-    local tries=$(( $3 * 4 ))
-    while [ "$tries" -gt 0 ]; do
-      [ "$(count_colour "$1" "$2")" -gt 0 ] && return 0
-      sleep 0.25
-      tries=$((tries - 1))
-    done
-    return 1
-  }
-  # Waits up to $2 seconds for a line matching $1 in the client's output.
-  wait_output() {
-    local tries=$(( $2 * 4 ))
-    while [ "$tries" -gt 0 ]; do
-      grep -q "$1" "$work/client-$phase.txt" && return 0
-      sleep 0.25
-      tries=$((tries - 1))
-    done
-    return 1
-  }
-
-  export TANDEM_AUDIO_DRIVER=null
-  unset SDL_VIDEODRIVER
-  (cd "$client_dir" && exec ./tandem-client --start-windowed --ip 127.0.0.1 --server-base-port "$port") \
-    >"$work/client-$phase.txt" 2>&1 &
-  pid=$!
-  window=""
-  for _ in $(seq 40); do
-    window=$(xdotool search --name "SDL3 application" 2>/dev/null | head -1)
-    [ -n "$window" ] && break
-    sleep 0.25
-  done
-  if [ -z "$window" ]; then
-    echo "The client's window didn't appear:"; cat "$work/client-$phase.txt"
-    exit 3
-  fi
-  read -r screen_width screen_height < <(xdotool getdisplaygeometry)
-  xdotool windowmove "$window" 0 0
-  xdotool windowsize "$window" "$screen_width" "$screen_height"
-  sleep 1
-  xdotool windowmove "$window" 1 1
-  sleep 0.3
-  xdotool windowmove "$window" 0 0
-  sleep 1
+  # shellcheck source=x_window.sh
+  . "$(dirname "$0")/x_window.sh"
+  start_client_window "$client_dir" --ip 127.0.0.1 --server-base-port "$port"
   half=$((screen_width / 2))
   green_text="#4DCC4D"    # "(you)", "Ready", the agreement line
   yellow_text="#FFFF4D"   # "Game Over."
@@ -158,13 +111,9 @@ fi
 client=$1
 server=$2
 screens=$3
-if ! command -v xvfb-run >/dev/null; then
-  echo "SKIP: xvfb-run is not installed"
-  exit 77
-fi
-for tool in xdotool import convert; do
-  command -v "$tool" >/dev/null || { echo "FAIL: $tool is needed beside xvfb-run"; exit 1; }
-done
+# shellcheck source=x_window.sh
+. "$(dirname "$0")/x_window.sh"
+require_x_tools
 work=$(mktemp -d)
 server_pid=""
 cleanup() {
@@ -172,10 +121,9 @@ cleanup() {
   rm -rf "$work"
 }
 trap cleanup EXIT
-mkdir -p "$screens" "$work/client" "$work/server"
+mkdir -p "$screens" "$work/server"
 rm -f "$screens"/*.png
-cp "$client" "$work/client/tandem-client"
-ln -s "$(dirname "$client")/data" "$work/client/data"
+copy_client "$client" "$work/client"
 "$server" account add Ada --data "$work/server" --credentials-file "$work/client/credentials.bin" >/dev/null ||
   { echo "FAIL: no account minted"; exit 1; }
 "$server" --base-port 0 --bind 127.0.0.1 --data "$work/server" --no-website >"$work/server.txt" 2>&1 &
@@ -185,15 +133,6 @@ port=$(sed -n 's/^Lobby listening on 127.0.0.1 port \([0-9]*\)$/\1/p' "$work/ser
 [ -n "$port" ] || { echo "FAIL: the server didn't start"; cat "$work/server.txt"; exit 1; }
 
 echo "Screenshots: $screens"
-phase() {
-  local status
-  for _ in 1 2; do
-    timeout "$3" xvfb-run -a -s "-screen 0 ${2}x24" bash "$0" --inner "$1" "$work" "$screens" "$port"
-    status=$?
-    [ "$status" -ne 3 ] && break
-  done
-  [ "$status" -eq 0 ] || exit 1
-}
-phase 720 1280x720 100
-phase 1080 1920x1080 60
+run_phase 720 1280x720 100 "$work" "$screens" "$port"
+run_phase 1080 1920x1080 60 "$work" "$screens" "$port"
 echo "PASS: the client in the lobby at 1280x720 and 1920x1080, screenshots in $screens"
