@@ -19,9 +19,29 @@ std::vector<GameLimits> const& AllGames() {
         {"Astral Steps", 4, 4},
         {"Cauldrons", 1, 1},
         {"Unwrapped Ledges", 1, 1}},
-       {{"Wrapped Ledges", 2, 2}, {"Cauldrons", 3, 3}, {"Wrapped Ledges", 4, 4}}},
-      {Game::Aviators, "Aviators", {{"The Empty Berth", 4}}, {}, {{"The Empty Berth", 2, 2}, {"The Empty Berth", 4, 4}}},
-      {Game::Vipers, "Vipers", {{"The Empty Berth", 4}}, {}, {{"The Empty Berth", 2, 2}, {"The Empty Berth", 4, 4}}},
+       {{"Wrapped Ledges", 2, 2}, {"Cauldrons", 3, 3}, {"Wrapped Ledges", 4, 4}},
+       {{"duration_seconds", 30, 600},
+        {"number_to_spawn", 1, 200},
+        {"spawn_interval_deciseconds", 1, 100},
+        {"bridge_orders", 0, 100},
+        {"horizontal_bridge_orders", 0, 100},
+        {"raise_ground_orders", 0, 100},
+        {"block_orders", 0, 100},
+        {"dig_down_orders", 0, 100},
+        {"dig_sideways_orders", 0, 100},
+        {"dig_upwards_orders", 0, 100}}},
+      {Game::Aviators,
+       "Aviators",
+       {{"The Empty Berth", 4}},
+       {},
+       {{"The Empty Berth", 2, 2}, {"The Empty Berth", 4, 4}},
+       {{"duration_seconds", 30, 600}, {"missile_speed", 35, 70}}},
+      {Game::Vipers,
+       "Vipers",
+       {{"The Empty Berth", 4}},
+       {},
+       {{"The Empty Berth", 2, 2}, {"The Empty Berth", 4, 4}},
+       {{"duration_seconds", 30, 600}, {"start_length", 300, 1200}, {"grow_by", 100, 50}, {"collision_penalty", 0, 100}}},
   };
   return games;
 }
@@ -109,6 +129,23 @@ std::optional<CheckedSpec> CheckSpec(std::vector<unsigned char> const& specBytes
     if (places == 0) {
       error = "There is no such map";
       return std::nullopt;
+    }
+    // Exactly the game's settings: the map and its integers, each within its range.
+    if (settings.strings.size() != 1 || settings.ints.size() != limits.integers.size()) {
+      error = "The settings of the room are not those of the game";
+      return std::nullopt;
+    }
+    for (IntegerLimit const& limit : limits.integers) {
+      auto const value = settings.ints.find(limit.key);
+      if (value == settings.ints.end()) {
+        error = "The settings of the room are not those of the game";
+        return std::nullopt;
+      }
+      if (limit.minimum <= limit.maximum && (value->second < limit.minimum || value->second > limit.maximum)) {
+        error = "The setting " + limit.key + " must be from " + std::to_string(limit.minimum) + " to " +
+                std::to_string(limit.maximum);
+        return std::nullopt;
+      }
     }
     highest = places;
     checked.slots = places;

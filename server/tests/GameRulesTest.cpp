@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "GameRules.h"
 #include "net/GameRecordsWire.h"
@@ -14,15 +15,18 @@ std::vector<unsigned char> SpecBytes(GameSpec const& spec) {
   return bytes;
 }
 
-GameSettings MapSettingsNamed(char const* map) {
-  GameSettings settings;
+// The settings a client's room page starts from, on the given map.
+GameSettings DefaultsOn(Game game, char const* map) {
+  static Games const games;
+  GameSettings settings = DefaultSettingsFromSchema(games.refGame(game).schema);
   settings.strings["map"] = map;
   return settings;
 }
 
 }  // namespace
 
-// The server links no game code, so its table must be held to the client's catalogues here.
+// The lobby checks rooms without the games, so its table must be held to the client's catalogues and
+// schemas here.
 TEST(GameRules, TableMatchesTheClientCatalogues) {
   Games const games;
   ASSERT_EQ(GameRules::AllGames().size(), games.size());
@@ -52,6 +56,19 @@ TEST(GameRules, TableMatchesTheClientCatalogues) {
     };
     compare(limits.coopChallenges, game.lookup.coopChallenges);
     compare(limits.rankedMatches, game.lookup.rankedMatches);
+    std::vector<std::tuple<std::string, int, int>> schemaIntegers;
+    for (SchemaEntry const& entry : game.schema) {
+      if (entry.kind == SchemaEntry::Integer) {
+        schemaIntegers.emplace_back(entry.key, entry.minimum, entry.maximum);
+      } else {
+        EXPECT_EQ(entry.key, "map") << limits.name << ": the table checks no other string setting";
+      }
+    }
+    std::vector<std::tuple<std::string, int, int>> ourIntegers;
+    for (auto const& limit : limits.integers) {
+      ourIntegers.emplace_back(limit.key, limit.minimum, limit.maximum);
+    }
+    EXPECT_EQ(ourIntegers, schemaIntegers) << limits.name;
   }
 }
 
@@ -62,7 +79,16 @@ TEST(GameRules, CheckSpecAcceptsAndRefuses) {
     bool accepted;
     int slots;
   };
-  GameSpec custom{Game::GlowHorde, MapSettingsNamed("Cauldrons"), 15, 1, 3};
+  GameSpec custom{Game::GlowHorde, DefaultsOn(Game::GlowHorde, "Cauldrons"), 15, 1, 3};
+  auto withSetting = [](GameSpec spec, char const* key, std::int32_t value) {
+    std::get<GameSettings>(spec.settings).ints[key] = value;
+    return spec;
+  };
+  GameSpec missingSetting = custom;
+  std::get<GameSettings>(missingSetting.settings).ints.erase("block_orders");
+  GameSpec extraString = custom;
+  std::get<GameSettings>(extraString.settings).strings["skin"] = "dark";
+  GameSpec vipers{Game::Vipers, DefaultsOn(Game::Vipers, "The Empty Berth"), 15, 1, 4};
   GameSpec tooMany = custom;
   tooMany.maxPlayers = 4;
   GameSpec lowDelay = custom;
@@ -71,7 +97,7 @@ TEST(GameRules, CheckSpecAcceptsAndRefuses) {
   highDelay.delayFrames = 36;
   GameSpec edgeDelays = custom;
   edgeDelays.delayFrames = 10;
-  GameSpec tutorialMap{Game::GlowHorde, MapSettingsNamed("Tutorial 1: dig down"), 15, 1, 1};
+  GameSpec tutorialMap{Game::GlowHorde, DefaultsOn(Game::GlowHorde, "Tutorial 1: dig down"), 15, 1, 1};
   GameSpec ranked{Game::Aviators, RankedMatchIndex{1}, 20, 4, 4};
   GameSpec rankedShort{Game::Aviators, RankedMatchIndex{1}, 20, 2, 4};
   GameSpec noRanked{Game::Aviators, RankedMatchIndex{2}, 20, 2, 2};
@@ -93,6 +119,16 @@ TEST(GameRules, CheckSpecAcceptsAndRefuses) {
       {"delay 9", SpecBytes(lowDelay), false, 0},
       {"delay 36", SpecBytes(highDelay), false, 0},
       {"map not offered", SpecBytes(tutorialMap), false, 0},
+      {"settings at their bounds", SpecBytes(withSetting(withSetting(custom, "duration_seconds", 600), "bridge_orders", 0)), true, 3},
+      {"duration above its range", SpecBytes(withSetting(custom, "duration_seconds", 601)), false, 0},
+      {"spawn interval 0", SpecBytes(withSetting(custom, "spawn_interval_deciseconds", 0)), false, 0},
+      {"negative count", SpecBytes(withSetting(custom, "dig_down_orders", -1)), false, 0},
+      {"a setting missing", SpecBytes(missingSetting), false, 0},
+      {"a setting of another game", SpecBytes(withSetting(custom, "missile_speed", 50)), false, 0},
+      {"a second string", SpecBytes(extraString), false, 0},
+      {"vipers", SpecBytes(vipers), true, 4},
+      {"vipers growth, a range that bounds nothing", SpecBytes(withSetting(vipers, "grow_by", 5000)), true, 4},
+      {"vipers start length", SpecBytes(withSetting(vipers, "start_length", 1201)), false, 0},
       {"ranked", SpecBytes(ranked), true, 4},
       {"ranked with fewer players", SpecBytes(rankedShort), false, 0},
       {"ranked index past the end", SpecBytes(noRanked), false, 0},

@@ -1,6 +1,7 @@
 // The real server, spoken to over 127.0.0.1 with bytes built by hand from the message tables.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <thread>
 
@@ -13,20 +14,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A custom Glow Horde GameSpec on "Cauldrons" (3 places), by hand: game 0, variant 2 with one string
-// entry and no integers, delay, min, max.
 Bytes CauldronsSpec(unsigned minPlayers, unsigned maxPlayers, unsigned delay = 15, char const* map = "Cauldrons") {
-  Bytes spec;
-  U16(spec, 0);
-  U8(spec, 2);
-  U16(spec, 1);
-  Str(spec, "map");
-  Str(spec, map);
-  U16(spec, 0);
-  U8(spec, delay);
-  U16(spec, minPlayers);
-  U16(spec, maxPlayers);
-  return spec;
+  return CustomGlowHordeSpec(map, minPlayers, maxPlayers, delay);
 }
 
 // Ranked Aviators match index 0 (two players), by hand.
@@ -313,6 +302,9 @@ TEST_F(Protocol, CreateGameRefusesWhatDoesNotCheckOut) {
   unknownGame[0] = 7;
   Bytes trailing = CauldronsSpec(1, 3);
   trailing.push_back(0);
+  // The last integer, the spawn interval, stands just before delay, min and max (5 bytes): 0 is out of range.
+  Bytes noInterval = CauldronsSpec(1, 3);
+  std::fill(noInterval.end() - 9, noInterval.end() - 5, 0);
   struct Case {
     char const* what;
     Bytes message;
@@ -325,6 +317,7 @@ TEST_F(Protocol, CreateGameRefusesWhatDoesNotCheckOut) {
       {"more players than the map", CreateGame("x", CauldronsSpec(1, 4), 1, 4, true)},
       {"counts differ from the GameSpec", CreateGame("x", CauldronsSpec(1, 3), 1, 2, true)},
       {"GameSpec with a trailing byte", CreateGame("x", trailing, 1, 3, true)},
+      {"a setting out of its range", CreateGame("x", noInterval, 1, 3, true)},
       {"ranked with repeated ids", CreateGame("x", RankedSpec(), 2, 2, true)},
       {"control character in the description", CreateGame("a\nb", CauldronsSpec(1, 3), 1, 3, true)},
   };

@@ -163,7 +163,7 @@ GameResult ParsedResult(Bytes const& bytes) {
 TEST(ReplayThroughServer, ARecordedGameReplaysToTheReportedResult) {
   static Games const games;
   IGame const& horde = games.refGame(Game::GlowHorde);
-  GameSpec const spec = CauldronsGame(horde, 6, 15);
+  GameSpec const spec = CauldronsGame(horde, 30, 15);  // the shortest game a room allows
 
   std::string const data = FreshDirectory("replay");
   std::string const storage = FreshDirectory("replay-client");

@@ -56,6 +56,30 @@ void Vec(Bytes& out, Bytes const& bytes) {
   U64(out, bytes.size());
   out.insert(out.end(), bytes.begin(), bytes.end());
 }
+
+Bytes CustomGlowHordeSpec(std::string const& map, unsigned minPlayers, unsigned maxPlayers, unsigned delay) {
+  Bytes spec;
+  U16(spec, 0);
+  U8(spec, 2);
+  U16(spec, 1);
+  Str(spec, "map");
+  Str(spec, map);
+  std::pair<char const*, std::uint32_t> const integers[] = {
+      {"block_orders", 3},         {"bridge_orders", 13},   {"dig_down_orders", 5},
+      {"dig_sideways_orders", 2},  {"dig_upwards_orders", 2}, {"duration_seconds", 180},
+      {"horizontal_bridge_orders", 13}, {"number_to_spawn", 50}, {"raise_ground_orders", 2},
+      {"spawn_interval_deciseconds", 33}};
+  U16(spec, 10);
+  for (auto const& [key, value] : integers) {
+    Str(spec, key);
+    U32(spec, value);
+  }
+  U8(spec, delay);
+  U16(spec, minPlayers);
+  U16(spec, maxPlayers);
+  return spec;
+}
+
 std::uint64_t ReadU64(Bytes const& bytes, std::size_t at) {
   std::uint64_t value = 0;
   for (int i = 7; i >= 0; --i) value = (value << 8) | bytes.at(at + static_cast<std::size_t>(i));

@@ -23,6 +23,9 @@ void U32(Bytes& out, std::uint32_t value);
 void U64(Bytes& out, std::uint64_t value);
 void Str(Bytes& out, std::string const& text);
 void Vec(Bytes& out, Bytes const& bytes);
+// A custom Glow Horde GameSpec by hand: game 0, variant 2 with the map and the game's ten integers
+// (their defaults, keys in byte order), then delay, min and max.
+Bytes CustomGlowHordeSpec(std::string const& map, unsigned minPlayers, unsigned maxPlayers, unsigned delay = 15);
 std::uint64_t ReadU64(Bytes const& bytes, std::size_t at);
 std::uint16_t ReadU16(Bytes const& bytes, std::size_t at);
 

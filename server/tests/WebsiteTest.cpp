@@ -81,16 +81,7 @@ TEST(Website, StatusShowsRoomsAndResultsWithAgreement) {
   RawClient client(server.lobbyPort());
   auto const number = client.login(credentials);
   ASSERT_TRUE(number);
-  Bytes spec;
-  U16(spec, 0);
-  U8(spec, 2);
-  U16(spec, 1);
-  Str(spec, "map");
-  Str(spec, "Mosh pit");
-  U16(spec, 0);
-  U8(spec, 15);
-  U16(spec, 1);
-  U16(spec, 1);
+  Bytes const spec = CustomGlowHordeSpec("Mosh pit", 1, 1);
   Bytes create = {8};
   Str(create, "Solo <i>room</i>");
   Vec(create, spec);

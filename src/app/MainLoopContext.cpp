@@ -204,6 +204,11 @@ void MainLoopContext::startOrEndNetworkGame(mainloop::ConnectedState& connected)
       throw std::runtime_error("The server started a game that this client doesn't know.");
     }
     IGame const& game = shared.games.refGame(spec.game);
+    // Settings outside the game's schema could make the simulation misbehave; they are refused too.
+    std::vector<std::uint16_t> const requested(info.assignedSlots.begin(), info.assignedSlots.end());
+    if (std::optional<std::string> problem = GameSpecProblem(game, spec, requested)) {
+      throw std::runtime_error("The server started a game that this client can't play: " + *problem + ".");
+    }
     GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
     std::uint16_t const places = game.maxPlayersForMap(ValueAt(settings.strings, std::string("map")));
     std::vector<unsigned short> slots;

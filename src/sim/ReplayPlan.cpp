@@ -13,8 +13,8 @@
 #include "sim/ResultConsensus.h"
 #include "sim/UpdateSimulation.h"
 
-std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const& spec,
-                                               std::vector<std::uint16_t> const& players) {
+std::optional<std::string> GameSpecProblem(IGame const& game, GameSpec const& spec,
+                                           std::vector<std::uint16_t> const& players) {
   GameSettings const* settings = nullptr;
   if (auto const* coop = std::get_if<CoopChallengeIndex>(&spec.settings)) {
     if (coop->index >= game.lookup.coopChallenges.size()) return "it names a challenge that this client doesn't know";
@@ -55,7 +55,7 @@ std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const
 }
 
 ReplayPlan PlanReplay(IGame const& game, GameSpec const& spec, Recording const& recording) {
-  if (std::optional<std::string> problem = RecordedGameProblem(game, spec, recording.results.playerSlots)) {
+  if (std::optional<std::string> problem = GameSpecProblem(game, spec, recording.results.playerSlots)) {
     throw std::runtime_error(fmt::format("The recording can't be replayed: {}.", *problem));
   }
   ReplayPlan plan;

@@ -27,11 +27,11 @@ struct ReplayPlan {
   std::optional<std::vector<unsigned char>> expectedResult;  // the bytes of the agreed GameResult
 };
 
-// Why a recorded game can't be played by this program, or nothing if it can: the recording names
-// settings that the game's tables don't have, a map it doesn't know, values outside the schema, or
-// players whose slots aren't the map's.
-std::optional<std::string> RecordedGameProblem(IGame const& game, GameSpec const& spec,
-                                               std::vector<std::uint16_t> const& players);
+// Why a game, recorded or started by a server, can't be played by this program, or nothing if it can:
+// its GameSpec names settings that the game's tables don't have, a map it doesn't know, values outside
+// the schema, or players whose slots aren't the map's.
+std::optional<std::string> GameSpecProblem(IGame const& game, GameSpec const& spec,
+                                           std::vector<std::uint16_t> const& players);
 
 // The plan of a replay of recording, whose GameSpec is `spec` and names game. Raises std::runtime_error
 // with a sentence when the recording can't be replayed. Recordings come from files and the network, so

@@ -259,11 +259,15 @@ TEST_F(MainLoopContextTest, AHostileRecordingIsRefusedClearly) {
   GameSettings noMap;
   GameSettings unknownMap;
   unknownMap.strings["map"] = "no such map";
+  GameSettings noInterval = DefaultSettingsFromSchema(create()->shared.games.refGame(Game::GlowHorde).schema);
+  noInterval.strings["map"] = "Cauldrons";
+  noInterval.ints["spawn_interval_deciseconds"] = 0;
   Case const cases[] = {
       {"a challenge index past the table", GameSpec{Game::GlowHorde, CoopChallengeIndex{999}, 15, 1, 1}, {0}},
       {"a ranked match index past the table", GameSpec{Game::Aviators, RankedMatchIndex{999}, 15, 2, 2}, {0, 1}},
       {"custom settings without a map", GameSpec{Game::Vipers, noMap, 15, 1, 1}, {0}},
       {"custom settings with an unknown map", GameSpec{Game::GlowHorde, unknownMap, 15, 1, 1}, {0}},
+      {"a custom setting out of its range", GameSpec{Game::GlowHorde, noInterval, 15, 1, 1}, {0}},
       {"a slot the map doesn't have", GameSpec{Game::GlowHorde, CoopChallengeIndex{0}, 15, 1, 1}, {9}},
   };
   for (Case const& c : cases) {
