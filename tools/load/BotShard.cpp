@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <ctime>
 #include <queue>
 
 #include "accounts/SaltedHash.h"
@@ -598,12 +599,15 @@ struct BotShard::Impl {
     Nanos nextHousekeeping = Now();
     while (control.phase.load() != LoadControl::Stopping) {
       Nanos now = Now();
-      int timeoutMs = 5;
+      // Sleep until the next frame is due (5 ms at most), to the nanosecond: with games spread over the
+      // frame the next one is mostly less than a millisecond away, which a timeout in milliseconds
+      // could only turn into a busy loop.
+      Nanos wait = 5'000'000;
       if (!frames.empty()) {
-        Nanos const wait = frames.top().at - now;
-        timeoutMs = wait <= 0 ? 0 : static_cast<int>(std::min<Nanos>(5, wait / 1'000'000));
+        wait = std::clamp<Nanos>(frames.top().at - now, 0, wait);
       }
-      int const count = epoll_wait(epoll, events.data(), static_cast<int>(events.size()), timeoutMs);
+      timespec const timeout{static_cast<time_t>(wait / 1'000'000'000), static_cast<long>(wait % 1'000'000'000)};
+      int const count = epoll_pwait2(epoll, events.data(), static_cast<int>(events.size()), &timeout, nullptr);
       for (int e = 0; e < count; ++e) {
         auto const key = events[static_cast<std::size_t>(e)].data.u64;
         std::size_t const index = key >> 1;
