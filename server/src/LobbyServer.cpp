@@ -300,29 +300,37 @@ void LobbyServer::refuse(unsigned short player, std::string const& text) {
 }
 
 void LobbyServer::tick(std::int64_t nowMs) {
-  std::vector<std::pair<ConnectionId, char const*>> expired;
-  for (auto const& [id, connection] : connections_) {
-    if (connection.stage != Stage::Lobby && nowMs - connection.connectedMs > timeouts_.loginMs) {
-      expired.emplace_back(id, "login timed out");
-    } else if (connection.stage == Stage::Lobby && nowMs - connection.lastHeardMs > timeouts_.keepAliveMs) {
-      expired.emplace_back(id, "nothing heard for too long");
+  if (nowMs >= nextTimeoutCheckMs_) {
+    nextTimeoutCheckMs_ = nowMs + kRelayTickMs;
+    std::vector<std::pair<ConnectionId, char const*>> expired;
+    for (auto const& [id, connection] : connections_) {
+      if (connection.stage != Stage::Lobby && nowMs - connection.connectedMs > timeouts_.loginMs) {
+        expired.emplace_back(id, "login timed out");
+      } else if (connection.stage == Stage::Lobby && nowMs - connection.lastHeardMs > timeouts_.keepAliveMs) {
+        expired.emplace_back(id, "nothing heard for too long");
+      }
+    }
+    for (auto const& [id, why] : expired) {
+      dropConnection(id, nowMs, why);
     }
   }
-  for (auto const& [id, why] : expired) {
-    dropConnection(id, nowMs, why);
-  }
-  std::vector<unsigned short> rooms;
+  std::vector<unsigned short> due;
   for (auto const& [room, running] : running_) {
-    rooms.push_back(room);
+    if (running.nextRelayTickMs <= nowMs) {
+      due.push_back(room);
+    }
   }
-  for (unsigned short room : rooms) {
+  for (unsigned short room : due) {
     auto const found = running_.find(room);
     if (found == running_.end()) {
       continue;
     }
+    RunningGame& running = found->second;
+    // The next one a period on, or a period from now for a server that fell behind.
+    running.nextRelayTickMs = std::max(running.nextRelayTickMs + kRelayTickMs, nowMs + 1);
     GameRelay::Output out;
-    found->second.relay->tick(nowMs, out);
-    applyRelayOutput(found->second, out);
+    running.relay->tick(nowMs, out);
+    applyRelayOutput(running, out);
   }
 }
 
@@ -645,6 +653,7 @@ void LobbyServer::startGame(unsigned short player, std::uint64_t token, std::int
   running.portOffset = offset;
   running.ended.assign(count, false);
   running.relay = std::make_unique<GameRelay>(tokens, nowMs);
+  running.nextRelayTickMs = nowMs + kRelayTickMs + static_cast<std::int64_t>(game % kRelayTickPhases) * (kRelayTickMs / kRelayTickPhases);
   running_[r] = std::move(running);
   roomOfPort_[offset] = r;
   room.runningGame = RunningGameState{offset, true, room.players, std::vector<bool>(count, false)};

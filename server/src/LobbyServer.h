@@ -55,8 +55,15 @@ public:
   void onDisconnect(ConnectionId connection, std::int64_t nowMs);
   void onDatagram(unsigned short portOffset, Endpoint const& from, unsigned char const* data, std::size_t size,
                   std::int64_t nowMs);
-  // Time-outs, relay repeats; called a few times a second.
+  // Time-outs, relay repeats; called every few milliseconds (kRelayTickMs / kRelayTickPhases at least
+  // as often, for the repeats to be spread as below).
   void tick(std::int64_t nowMs);
+  // Each running game's relay repeats what its players lack and looks for silent players this often.
+  // The games are spread over kRelayTickPhases phases of that period by their number, so that a server
+  // with many games sends its repeats a few games at a time instead of all in one burst, which would
+  // hold up the steps of every game behind it.
+  static constexpr std::int64_t kRelayTickMs = 100;
+  static constexpr std::int64_t kRelayTickPhases = 20;
 
   // A plain copy of what the status page shows.
   struct Snapshot {
@@ -97,6 +104,7 @@ private:
     std::vector<bool> ended;  // sent GAME_END
     std::unique_ptr<GameRelay> relay;
     std::size_t savedUpdates = 0;
+    std::int64_t nextRelayTickMs = 0;
   };
 
   void handleHandshake(ConnectionId id, Connection& connection, unsigned char const* data, std::size_t size);
@@ -159,6 +167,7 @@ private:
   std::map<unsigned short, unsigned short> roomOfPort_;  // running games' rooms by port offset
   std::map<std::string, std::string> names_;  // by playerId, its bytes as a string
   std::uint32_t nextGame_ = 0;
+  std::int64_t nextTimeoutCheckMs_ = 0;
   std::deque<std::pair<std::uint32_t, GameResults>> recent_;
   // Stores recordings off the lobby's thread; destroyed after the settler, before the storage's users go.
   RecordingWriter recordings_{storage_};

@@ -7,7 +7,10 @@
 #include "net/MessageFramer.h"
 
 namespace {
-constexpr auto kTickInterval = std::chrono::milliseconds(100);
+// The lobby's tick spreads the relays' repeats over phases of this length; observers such as the
+// website are called every kObserverTicks ticks.
+constexpr auto kTickInterval = std::chrono::milliseconds(LobbyServer::kRelayTickMs / LobbyServer::kRelayTickPhases);
+constexpr int kObserverTicks = static_cast<int>(LobbyServer::kRelayTickPhases);
 }
 
 template <class Call>
@@ -78,7 +81,7 @@ void ServerNetwork::scheduleTick() {
     }
     guarded(0, [&] {
       lobby_.tick(nowMs());
-      if (afterTick) {
+      if (++ticks_ % kObserverTicks == 0 && afterTick) {
         afterTick(lobby_);
       }
     });
