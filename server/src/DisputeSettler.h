@@ -15,10 +15,11 @@
 #include "SettledDispute.h"
 
 // Re-simulates the recordings of disputed games on a worker thread of its own, one after the other,
-// so that a long game never holds up the lobby. Each settlement is saved in the storage, which also
-// notes a game as waiting when it is submitted: a restart settles what the last run left waiting. The re-simulation itself is handed in (the server's is
-// SettleByReplay), so that the lobby's code builds without the games. The queue is bounded: a game submitted to a full
-// queue is refused and stays unsettled. Destruction stops the worker within a frame of simulation.
+// so that a long game never holds up the lobby. The re-simulation itself is handed in (the server's is
+// SettleByReplay), so that the lobby's code builds without the games. Each settlement is saved in the
+// storage, which also notes a game as waiting when it is submitted: a restart settles what the last run
+// left waiting. The queue is bounded: a game submitted to a full queue is refused and waits for a later
+// run. Destruction stops the worker within a frame of simulation.
 class DisputeSettler {
 public:
   static constexpr std::size_t kMaxQueued = 16;

@@ -1,5 +1,7 @@
 #include "MemoryStorage.h"
 
+#include <algorithm>
+
 namespace {
 std::string Key(std::vector<unsigned char> const& id) {
   return std::string(id.begin(), id.end());
@@ -99,8 +101,9 @@ std::vector<SettledDispute> MemoryStorage::settledDisputes(std::uint32_t count) 
   std::vector<SettledDispute> settled;
   for (auto found = disputes_.rbegin(); found != disputes_.rend() && settled.size() < count; ++found) {
     if (found->second) {
-      settled.insert(settled.begin(), *found->second);
+      settled.push_back(*found->second);
     }
   }
+  std::reverse(settled.begin(), settled.end());
   return settled;
 }

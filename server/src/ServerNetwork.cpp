@@ -7,10 +7,8 @@
 #include "net/MessageFramer.h"
 
 namespace {
-// The lobby's tick spreads the relays' repeats over phases of this length; observers such as the
-// website are called every kObserverTicks ticks.
+// The lobby's tick spreads the relays' repeats over phases of this length.
 constexpr auto kTickInterval = std::chrono::milliseconds(LobbyServer::kRelayTickMs / LobbyServer::kRelayTickPhases);
-constexpr int kObserverTicks = static_cast<int>(LobbyServer::kRelayTickPhases);
 }
 
 template <class Call>
@@ -81,7 +79,7 @@ void ServerNetwork::scheduleTick() {
     }
     guarded(0, [&] {
       lobby_.tick(nowMs());
-      if (++ticks_ % kObserverTicks == 0 && afterTick) {
+      if (afterTick) {
         afterTick(lobby_);
       }
     });

@@ -34,7 +34,8 @@ public:
   LobbyServer& lobby() { return lobby_; }
   // Stops listening and closes every socket; the loop then runs out of work.
   void shutdown();
-  // Called on the loop's thread about ten times a second, after a tick, for observers such as the website.
+  // Called on the loop's thread after each tick (every few milliseconds), for observers such as the
+  // website, which take what they need at their own pace.
   std::function<void(LobbyServer const&)> afterTick;
 
   void send(ConnectionId connection, std::vector<unsigned char> const& payload) override;
@@ -83,6 +84,5 @@ private:
   std::map<ConnectionId, std::shared_ptr<TcpConnection>> connections_;
   std::map<unsigned short, std::shared_ptr<UdpPort>> ports_;
   ConnectionId nextConnection_ = 1;
-  std::uint64_t ticks_ = 0;
   bool stopped_ = false;
 };

@@ -8,6 +8,7 @@
 #include <asio.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -107,8 +108,11 @@ int ServeCommand(int argc, char** argv) {
       std::cerr << "Failed to open the website's port " << settings.port << "\n";
       return 1;
     }
-    network.afterTick = [&website, ticks = 0](LobbyServer const& lobby) mutable {
-      if (++ticks % 5 == 0) {
+    // The status page's copy of the lobby is refreshed twice a second.
+    network.afterTick = [&website, next = std::chrono::steady_clock::time_point{}](LobbyServer const& lobby) mutable {
+      auto const now = std::chrono::steady_clock::now();
+      if (now >= next) {
+        next = now + std::chrono::milliseconds(500);
         website->updateSnapshot(lobby.snapshot());
       }
     };

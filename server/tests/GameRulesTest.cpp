@@ -122,7 +122,6 @@ TEST(GameRules, CheckSpecAcceptsAndRefuses) {
       {"settings at their bounds", SpecBytes(withSetting(withSetting(custom, "duration_seconds", 600), "bridge_orders", 0)), true, 3},
       {"duration above its range", SpecBytes(withSetting(custom, "duration_seconds", 601)), false, 0},
       {"spawn interval 0", SpecBytes(withSetting(custom, "spawn_interval_deciseconds", 0)), false, 0},
-      {"negative count", SpecBytes(withSetting(custom, "dig_down_orders", -1)), false, 0},
       {"a setting missing", SpecBytes(missingSetting), false, 0},
       {"a setting of another game", SpecBytes(withSetting(custom, "missile_speed", 50)), false, 0},
       {"a second string", SpecBytes(extraString), false, 0},

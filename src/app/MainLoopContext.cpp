@@ -204,20 +204,13 @@ void MainLoopContext::startOrEndNetworkGame(mainloop::ConnectedState& connected)
       throw std::runtime_error("The server started a game that this client doesn't know.");
     }
     IGame const& game = shared.games.refGame(spec.game);
-    // Settings outside the game's schema could make the simulation misbehave; they are refused too.
-    std::vector<std::uint16_t> const requested(info.assignedSlots.begin(), info.assignedSlots.end());
-    if (std::optional<std::string> problem = GameSpecProblem(game, spec, requested)) {
+    // Its settings must lie within the game's schema and its slots on the map (a negative slot reads as
+    // one far past the map's end).
+    std::vector<std::uint16_t> const slots(info.assignedSlots.begin(), info.assignedSlots.end());
+    if (std::optional<std::string> problem = GameSpecProblem(game, spec, slots)) {
       throw std::runtime_error("The server started a game that this client can't play: " + *problem + ".");
     }
     GameSettings const& settings = game.lookup.settingsFrom(spec.settings);
-    std::uint16_t const places = game.maxPlayersForMap(ValueAt(settings.strings, std::string("map")));
-    std::vector<unsigned short> slots;
-    for (short slot : info.assignedSlots) {
-      if (slot < 0 || slot >= static_cast<short>(places)) {
-        throw std::runtime_error("The server assigned a slot that the game's map doesn't have.");
-      }
-      slots.push_back(static_cast<unsigned short>(slot));
-    }
     if (slots.empty() || info.localPlayer >= slots.size()) {
       throw std::runtime_error("The server started a game without this client's place in it.");
     }
